@@ -1,0 +1,160 @@
+// The property tree: PropertyNode, PropertyList, and PropertyMap with its map
+// entry.
+
+#include "frames.h"
+#include "oneof_members.h"
+
+namespace Tarnwick {
+namespace MavProtobuf {
+
+namespace {
+
+using wire::MakeTag;
+using wire::WireFormatLite;
+constexpr auto kLengthDelimited = WireFormatLite::WIRETYPE_LENGTH_DELIMITED;
+
+}  // namespace
+
+// PropertyNode --------------------------------------------------------------
+
+template class internal::MessageFrame<PropertyNode>;
+
+namespace {
+
+const protobuf::Message& NodePrototype(uint32_t number) {
+  switch (number) {
+    case PropertyNode::kMapType:
+      return _PropertyMap_default_instance_.instance;
+    case PropertyNode::kListType:
+      return _PropertyList_default_instance_.instance;
+    default:
+      return _KVariant_default_instance_.instance;
+  }
+}
+
+}  // namespace
+
+PropertyNode::PropertyNode(const PropertyNode& from) : MessageFrame(from) { MergeFields(from); }
+
+PropertyNode::~PropertyNode() { type_.Clear(); }
+
+internal::FieldRead PropertyNode::ReadField(uint32_t tag, const char* ptr,
+                                            internal::ParseContext* ctx) {
+  switch (tag) {
+    case MakeTag(kMapType, kLengthDelimited):
+    case MakeTag(kListType, kLengthDelimited):
+    case MakeTag(kValueType, kLengthDelimited):
+      return wire::ReadMessageMember(&type_, tag >> 3, NodePrototype(tag >> 3), ptr, ctx);
+  }
+  return std::nullopt;
+}
+
+size_t PropertyNode::FieldsByteSize() const {
+  return type_case() == TYPE_NOT_SET ? 0 : wire::MessageMemberSize(type_);
+}
+
+uint8_t* PropertyNode::WriteFields(uint8_t* target,
+                                   internal::EpsCopyOutputStream* stream) const {
+  return type_case() == TYPE_NOT_SET ? target : wire::WriteMessageMember(type_, target, stream);
+}
+
+void PropertyNode::MergeFields(const PropertyNode& from) {
+  if (from.type_case() == TYPE_NOT_SET) return;
+  wire::MergeMessageMember(&type_, from.type_, NodePrototype(from.type_.case_number));
+}
+
+void PropertyNode::ClearFields() { type_.Clear(); }
+
+void PropertyNode::SwapFields(PropertyNode* other) { type_.Swap(&other->type_); }
+
+// PropertyList --------------------------------------------------------------
+
+template class internal::MessageFrame<PropertyList>;
+template class internal::RepeatedMessageFrame<PropertyList, PropertyNode>;
+
+// PropertyMap ---------------------------------------------------------------
+
+template class internal::MessageFrame<PropertyMap>;
+
+namespace {
+
+constexpr char kKeyFieldName[] = "Tarnwick.MavProtobuf.PropertyMap.MapDataEntry.key";
+
+// Size of one entry's content: the key (field 1) and the node (field 2), both
+// always present on the wire.
+size_t EntrySize(const std::string& key, size_t node_size) {
+  return 1 + WireFormatLite::LengthDelimitedSize(key.size()) + 1 +
+         WireFormatLite::LengthDelimitedSize(node_size);
+}
+
+}  // namespace
+
+PropertyMap::PropertyMap(const PropertyMap& from) : MessageFrame(from) { MergeFields(from); }
+
+PropertyMap::~PropertyMap() { map_data_.Destruct(); }
+
+// The entry is stored first, then its key is checked: a key that is not UTF-8
+// fails the parse with its entry kept. A key seen twice keeps the last value.
+internal::FieldRead PropertyMap::ReadField(uint32_t tag, const char* ptr,
+                                           internal::ParseContext* ctx) {
+  if (tag != MakeTag(kMapDataFieldNumber, kLengthDelimited)) return std::nullopt;
+  PropertyMap_MapDataEntry_DoNotUse::Parser<MapDataField, protobuf::Map<std::string, PropertyNode>>
+      parser(&map_data_);
+  ptr = ctx->ParseMessage(&parser, ptr);
+  if (ptr == nullptr) return nullptr;
+  const std::string& key = parser.key();
+  if (!WireFormatLite::VerifyUtf8String(key.data(), static_cast<int>(key.size()),
+                                        WireFormatLite::PARSE, kKeyFieldName)) {
+    return nullptr;
+  }
+  return ptr;
+}
+
+size_t PropertyMap::FieldsByteSize() const {
+  const auto& map = map_data_.GetMap();
+  size_t size = map.size();  // one tag byte per entry
+  for (const auto& entry : map) {
+    size += WireFormatLite::LengthDelimitedSize(EntrySize(entry.first, entry.second.ByteSizeLong()));
+  }
+  return size;
+}
+
+// Deterministic output sorts the entries by key (byte-wise); otherwise they go
+// in the map's own order. A key that is not UTF-8 is written unchanged and
+// only logged.
+uint8_t* PropertyMap::WriteFields(uint8_t* target,
+                                  internal::EpsCopyOutputStream* stream) const {
+  auto write_entry = [&](const std::string& key, const PropertyNode& node) {
+    target = stream->EnsureSpace(target);
+    target = WireFormatLite::WriteTagToArray(kMapDataFieldNumber, kLengthDelimited, target);
+    target = wire::CodedOutputStream::WriteVarint32ToArray(
+        static_cast<uint32_t>(EntrySize(key, node.GetCachedSize())), target);
+    target = stream->WriteString(1, key, target);
+    target = wire::WriteMessageField(2, node, target, stream);
+    WireFormatLite::VerifyUtf8String(key.data(), static_cast<int>(key.size()),
+                                     WireFormatLite::SERIALIZE, kKeyFieldName);
+  };
+  const auto& map = map_data_.GetMap();
+  if (stream->IsSerializationDeterministic() && map.size() > 1) {
+    for (const auto& entry : protobuf::internal::MapSorterPtr<protobuf::Map<std::string, PropertyNode>>(map)) {
+      write_entry(entry.first, entry.second);
+    }
+  } else {
+    for (const auto& entry : map) write_entry(entry.first, entry.second);
+  }
+  return target;
+}
+
+// Keys present in both end with a copy of the source's node.
+void PropertyMap::MergeFields(const PropertyMap& from) {
+  if (from.map_data_size() == 0) return;
+  auto* map = map_data_.MutableMap();
+  for (const auto& entry : from.map_data()) (*map)[entry.first] = entry.second;
+}
+
+void PropertyMap::ClearFields() { map_data_.Clear(); }
+
+void PropertyMap::SwapFields(PropertyMap* other) { map_data_.InternalSwap(&other->map_data_); }
+
+}  // namespace MavProtobuf
+}  // namespace Tarnwick

@@ -1,0 +1,346 @@
+// The variant unions: ScalarDataUnion, ArrayDataUnion and KVariant.
+
+#include "frames.h"
+#include "oneof_members.h"
+
+namespace Tarnwick {
+namespace MavProtobuf {
+
+namespace {
+
+using wire::MakeTag;
+using wire::WireFormatLite;
+constexpr auto kLengthDelimited = WireFormatLite::WIRETYPE_LENGTH_DELIMITED;
+
+}  // namespace
+
+// ScalarDataUnion -----------------------------------------------------------
+
+template class internal::MessageFrame<ScalarDataUnion>;
+
+namespace {
+
+const protobuf::Message& ScalarMessagePrototype(uint32_t number) {
+  switch (number) {
+    case ScalarDataUnion::kComplexFloatContent:
+      return _ComplexFloat_default_instance_.instance;
+    case ScalarDataUnion::kComplexDoubleContent:
+      return _ComplexDouble_default_instance_.instance;
+    default:
+      return _ChronoData_default_instance_.instance;
+  }
+}
+
+// A scalar member read from the wire replaces whatever member was set; if the
+// value cannot be read the oneof is left empty.
+template <typename OneofT, typename T>
+const char* ReadScalarMember(OneofT* oneof, uint32_t number, T internal::OneofSlot::*member,
+                             const char* ptr) {
+  oneof->Clear();
+  T value;
+  ptr = wire::Codec<T>::Read(ptr, &value);
+  if (ptr != nullptr) oneof->SetScalar(number, member, value);
+  return ptr;
+}
+
+}  // namespace
+
+ScalarDataUnion::ScalarDataUnion(const ScalarDataUnion& from) : MessageFrame(from) {
+  MergeFields(from);
+}
+
+ScalarDataUnion::~ScalarDataUnion() { content_.Clear(); }
+
+internal::FieldRead ScalarDataUnion::ReadField(uint32_t tag, const char* ptr,
+                                               internal::ParseContext* ctx) {
+  switch (tag) {
+    case MakeTag(kStringContent, kLengthDelimited):
+      return wire::ReadBytes(mutable_string_content(), ptr, ctx);
+    case MakeTag(kFloatContent, WireFormatLite::WIRETYPE_FIXED32):
+      return ReadScalarMember(&content_, kFloatContent, &Slot::float_value, ptr);
+    case MakeTag(kDoubleContent, WireFormatLite::WIRETYPE_FIXED64):
+      return ReadScalarMember(&content_, kDoubleContent, &Slot::double_value, ptr);
+    case MakeTag(kInt8Content, WireFormatLite::WIRETYPE_VARINT):
+      return ReadScalarMember(&content_, kInt8Content, &Slot::int32_value, ptr);
+    case MakeTag(kInt16Content, WireFormatLite::WIRETYPE_VARINT):
+      return ReadScalarMember(&content_, kInt16Content, &Slot::int32_value, ptr);
+    case MakeTag(kInt32Content, WireFormatLite::WIRETYPE_VARINT):
+      return ReadScalarMember(&content_, kInt32Content, &Slot::int32_value, ptr);
+    case MakeTag(kInt64Content, WireFormatLite::WIRETYPE_VARINT):
+      return ReadScalarMember(&content_, kInt64Content, &Slot::int64_value, ptr);
+    case MakeTag(kUnsignedInt8Content, WireFormatLite::WIRETYPE_VARINT):
+      return ReadScalarMember(&content_, kUnsignedInt8Content, &Slot::uint32_value, ptr);
+    case MakeTag(kUnsignedInt16Content, WireFormatLite::WIRETYPE_VARINT):
+      return ReadScalarMember(&content_, kUnsignedInt16Content, &Slot::uint32_value, ptr);
+    case MakeTag(kUnsignedInt32Content, WireFormatLite::WIRETYPE_VARINT):
+      return ReadScalarMember(&content_, kUnsignedInt32Content, &Slot::uint32_value, ptr);
+    case MakeTag(kUnsignedInt64Content, WireFormatLite::WIRETYPE_VARINT):
+      return ReadScalarMember(&content_, kUnsignedInt64Content, &Slot::uint64_value, ptr);
+    case MakeTag(kBoolContent, WireFormatLite::WIRETYPE_VARINT):
+      return ReadScalarMember(&content_, kBoolContent, &Slot::bool_value, ptr);
+    case MakeTag(kComplexFloatContent, kLengthDelimited):
+    case MakeTag(kComplexDoubleContent, kLengthDelimited):
+    case MakeTag(kDurationContent, kLengthDelimited):
+    case MakeTag(kTimePointContent, kLengthDelimited):
+      return wire::ReadMessageMember(&content_, tag >> 3, ScalarMessagePrototype(tag >> 3), ptr,
+                                     ctx);
+  }
+  return std::nullopt;
+}
+
+size_t ScalarDataUnion::FieldsByteSize() const {
+  const Slot& slot = content_.slot;
+  switch (content_case()) {
+    case kStringContent: return wire::BytesFieldSize(kStringContent, slot.string.Get());
+    case kFloatContent: return wire::ScalarFieldSize(kFloatContent, slot.float_value);
+    case kDoubleContent: return wire::ScalarFieldSize(kDoubleContent, slot.double_value);
+    case kInt8Content:
+    case kInt16Content:
+    case kInt32Content: return wire::ScalarFieldSize(content_case(), slot.int32_value);
+    case kInt64Content: return wire::ScalarFieldSize(kInt64Content, slot.int64_value);
+    case kUnsignedInt8Content:
+    case kUnsignedInt16Content:
+    case kUnsignedInt32Content: return wire::ScalarFieldSize(content_case(), slot.uint32_value);
+    case kUnsignedInt64Content: return wire::ScalarFieldSize(kUnsignedInt64Content, slot.uint64_value);
+    case kBoolContent: return wire::ScalarFieldSize(kBoolContent, slot.bool_value);
+    case kComplexFloatContent:
+    case kComplexDoubleContent:
+    case kDurationContent:
+    case kTimePointContent: return wire::MessageMemberSize(content_);
+    case CONTENT_NOT_SET: break;
+  }
+  return 0;
+}
+
+// The set member is written whatever its value: a zero still tells the
+// receiver which kind it is.
+uint8_t* ScalarDataUnion::WriteFields(uint8_t* target,
+                                      internal::EpsCopyOutputStream* stream) const {
+  const Slot& slot = content_.slot;
+  switch (content_case()) {
+    case kStringContent:
+      return stream->WriteBytesMaybeAliased(kStringContent, slot.string.Get(), target);
+    case kFloatContent: return wire::WriteScalarField(kFloatContent, slot.float_value, target, stream);
+    case kDoubleContent: return wire::WriteScalarField(kDoubleContent, slot.double_value, target, stream);
+    case kInt8Content:
+    case kInt16Content:
+    case kInt32Content: return wire::WriteScalarField(content_case(), slot.int32_value, target, stream);
+    case kInt64Content: return wire::WriteScalarField(kInt64Content, slot.int64_value, target, stream);
+    case kUnsignedInt8Content:
+    case kUnsignedInt16Content:
+    case kUnsignedInt32Content:
+      return wire::WriteScalarField(content_case(), slot.uint32_value, target, stream);
+    case kUnsignedInt64Content:
+      return wire::WriteScalarField(kUnsignedInt64Content, slot.uint64_value, target, stream);
+    case kBoolContent: return wire::WriteScalarField(kBoolContent, slot.bool_value, target, stream);
+    case kComplexFloatContent:
+    case kComplexDoubleContent:
+    case kDurationContent:
+    case kTimePointContent: return wire::WriteMessageMember(content_, target, stream);
+    case CONTENT_NOT_SET: break;
+  }
+  return target;
+}
+
+void ScalarDataUnion::MergeFields(const ScalarDataUnion& from) {
+  const uint32_t member = from.content_.case_number;
+  switch (from.content_case()) {
+    case CONTENT_NOT_SET:
+      return;
+    case kStringContent:
+      set_string_content(from.string_content());
+      return;
+    case kComplexFloatContent:
+    case kComplexDoubleContent:
+    case kDurationContent:
+    case kTimePointContent:
+      wire::MergeMessageMember(&content_, from.content_, ScalarMessagePrototype(member));
+      return;
+    default:  // a number: its bits are copied as they are
+      content_.Select(member);
+      content_.slot = from.content_.slot;
+      return;
+  }
+}
+
+void ScalarDataUnion::ClearFields() { content_.Clear(); }
+
+void ScalarDataUnion::SwapFields(ScalarDataUnion* other) { content_.Swap(&other->content_); }
+
+// ArrayDataUnion ------------------------------------------------------------
+
+template class internal::MessageFrame<ArrayDataUnion>;
+
+namespace {
+
+const protobuf::Message* const kArrayMemberPrototypes[] = {
+    nullptr,
+    &_ArrayString_default_instance_.instance,
+    &_ArrayFloat_default_instance_.instance,
+    &_ArrayDouble_default_instance_.instance,
+    &_ArrayInt8_default_instance_.instance,
+    &_ArrayInt16_default_instance_.instance,
+    &_ArrayInt32_default_instance_.instance,
+    &_ArrayInt64_default_instance_.instance,
+    &_ArrayUnsignedInt8_default_instance_.instance,
+    &_ArrayUnsignedInt16_default_instance_.instance,
+    &_ArrayUnsignedInt32_default_instance_.instance,
+    &_ArrayUnsignedInt64_default_instance_.instance,
+    &_ArrayBool_default_instance_.instance,
+    &_ArrayFloat_default_instance_.instance,   // complexFloat_content
+    &_ArrayDouble_default_instance_.instance,  // complexDouble_content
+    nullptr,                                   // dataorder
+    nullptr,                                   // dimensions
+    &_ArrayChronoData_default_instance_.instance,  // duration_content
+    &_ArrayChronoData_default_instance_.instance,  // timePoint_content
+};
+
+constexpr uint32_t kLastArrayMember = ArrayDataUnion::kTimePointContent;
+
+}  // namespace
+
+ArrayDataUnion::ArrayDataUnion(const ArrayDataUnion& from) : MessageFrame(from) {
+  MergeFields(from);
+}
+
+ArrayDataUnion::~ArrayDataUnion() {
+  dataorder_.Destroy();
+  content_.Clear();
+}
+
+internal::FieldRead ArrayDataUnion::ReadField(uint32_t tag, const char* ptr,
+                                              internal::ParseContext* ctx) {
+  switch (tag) {
+    case MakeTag(kDataorderFieldNumber, kLengthDelimited):
+      return wire::ReadBytes(dataorder_.Mutable(nullptr), ptr, ctx);
+    case MakeTag(kDimensionsFieldNumber, kLengthDelimited):
+      return wire::Packed<uint32_t>::ReadRun(&dimensions_, ptr, ctx);
+    case MakeTag(kDimensionsFieldNumber, WireFormatLite::WIRETYPE_VARINT):
+      return wire::Packed<uint32_t>::ReadUnpacked<MakeTag(kDimensionsFieldNumber, kLengthDelimited)>(
+          &dimensions_, ptr, ctx);
+  }
+  const uint32_t number = tag >> 3;
+  if (WireFormatLite::GetTagWireType(tag) != kLengthDelimited || number > kLastArrayMember ||
+      kArrayMemberPrototypes[number] == nullptr) {
+    return std::nullopt;
+  }
+  return wire::ReadMessageMember(&content_, number, *kArrayMemberPrototypes[number], ptr, ctx);
+}
+
+size_t ArrayDataUnion::FieldsByteSize() const {
+  size_t size = wire::Packed<uint32_t>::FieldSize(kDimensionsFieldNumber, dimensions_,
+                                                  &dimensions_cached_byte_size_);
+  if (!dataorder().empty()) size += wire::BytesFieldSize(kDataorderFieldNumber, dataorder());
+  if (content_case() != CONTENT_NOT_SET) size += wire::MessageMemberSize(content_);
+  return size;
+}
+
+// Field-number order puts the shape between the members numbered below it
+// (1 to 14) and the two chrono members (17, 18).
+uint8_t* ArrayDataUnion::WriteFields(uint8_t* target,
+                                     internal::EpsCopyOutputStream* stream) const {
+  const uint32_t member = content_.case_number;
+  if (member != CONTENT_NOT_SET && member < kDataorderFieldNumber) {
+    target = wire::WriteMessageMember(content_, target, stream);
+  }
+  if (!dataorder().empty()) {
+    target = stream->WriteBytesMaybeAliased(kDataorderFieldNumber, dataorder(), target);
+  }
+  target = wire::Packed<uint32_t>::Write(kDimensionsFieldNumber, dimensions_,
+                                         dimensions_cached_byte_size_.Get(), target, stream);
+  if (member > kDimensionsFieldNumber) target = wire::WriteMessageMember(content_, target, stream);
+  return target;
+}
+
+void ArrayDataUnion::MergeFields(const ArrayDataUnion& from) {
+  dimensions_.MergeFrom(from.dimensions_);
+  if (!from.dataorder().empty()) dataorder_.Set(from.dataorder(), nullptr);
+  if (from.content_case() != CONTENT_NOT_SET) {
+    wire::MergeMessageMember(&content_, from.content_,
+                             *kArrayMemberPrototypes[from.content_.case_number]);
+  }
+}
+
+void ArrayDataUnion::ClearFields() {
+  dimensions_.Clear();
+  dataorder_.ClearToEmpty();
+  content_.Clear();
+}
+
+void ArrayDataUnion::SwapFields(ArrayDataUnion* other) {
+  dimensions_.InternalSwap(&other->dimensions_);
+  protobuf::internal::ArenaStringPtr::InternalSwap(&dataorder_, nullptr, &other->dataorder_,
+                                                   nullptr);
+  content_.Swap(&other->content_);
+}
+
+// KVariant ------------------------------------------------------------------
+
+template class internal::MessageFrame<KVariant>;
+
+namespace {
+
+const protobuf::Message& DataPrototype(uint32_t number) {
+  if (number == KVariant::kScalarData) return _ScalarDataUnion_default_instance_.instance;
+  return _ArrayDataUnion_default_instance_.instance;
+}
+
+}  // namespace
+
+KVariant::KVariant(const KVariant& from) : MessageFrame(from) { MergeFields(from); }
+
+KVariant::~KVariant() {
+  wellknowntype_.Destroy();
+  data_.Clear();
+}
+
+internal::FieldRead KVariant::ReadField(uint32_t tag, const char* ptr,
+                                        internal::ParseContext* ctx) {
+  switch (tag) {
+    case MakeTag(kScalarData, kLengthDelimited):
+    case MakeTag(kArrayData, kLengthDelimited):
+      return wire::ReadMessageMember(&data_, tag >> 3, DataPrototype(tag >> 3), ptr, ctx);
+    case MakeTag(kWellknowntypeFieldNumber, kLengthDelimited):
+      return wire::ReadBytes(wellknowntype_.Mutable(nullptr), ptr, ctx);
+  }
+  return std::nullopt;
+}
+
+size_t KVariant::FieldsByteSize() const {
+  size_t size = 0;
+  if (data_case() != DATA_NOT_SET) size += wire::MessageMemberSize(data_);
+  if (!wellknowntype().empty()) {
+    size += wire::BytesFieldSize(kWellknowntypeFieldNumber, wellknowntype());
+  }
+  return size;
+}
+
+uint8_t* KVariant::WriteFields(uint8_t* target, internal::EpsCopyOutputStream* stream) const {
+  if (data_case() != DATA_NOT_SET) target = wire::WriteMessageMember(data_, target, stream);
+  if (!wellknowntype().empty()) {
+    target = stream->WriteBytesMaybeAliased(kWellknowntypeFieldNumber, wellknowntype(), target);
+  }
+  return target;
+}
+
+// A scalar merged into an array (or the other way round) replaces it.
+void KVariant::MergeFields(const KVariant& from) {
+  if (!from.wellknowntype().empty()) wellknowntype_.Set(from.wellknowntype(), nullptr);
+  if (from.data_case() != DATA_NOT_SET) {
+    wire::MergeMessageMember(&data_, from.data_, DataPrototype(from.data_.case_number));
+  }
+}
+
+void KVariant::ClearFields() {
+  wellknowntype_.ClearToEmpty();
+  data_.Clear();
+}
+
+void KVariant::SwapFields(KVariant* other) {
+  protobuf::internal::ArenaStringPtr::InternalSwap(&wellknowntype_, nullptr,
+                                                   &other->wellknowntype_, nullptr);
+  data_.Swap(&other->data_);
+}
+
+}  // namespace MavProtobuf
+}  // namespace Tarnwick
