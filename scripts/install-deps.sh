@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Installs what MavProtobuf needs to build, test and benchmark on Debian 12.
+set -euo pipefail
+run() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
+packages=(cmake g++ make libprotobuf-dev protobuf-compiler libprotoc-dev
+          libgtest-dev libgmock-dev libbenchmark-dev)
+missing=()
+for package in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" ||
+    missing+=("$package")
+done
+if [ ${#missing[@]} -gt 0 ]; then
+  run apt-get update
+  DEBIAN_FRONTEND=noninteractive run apt-get install -y --no-install-recommends "${missing[@]}"
+fi
