@@ -178,6 +178,7 @@ class MAV_PROTOBUF_EXPORT MessageFrame : public protobuf::Message {
   // cached by ByteSizeLong() must be current. Returns the end of the output.
   uint8_t* InternalSerializeWithCachedSizesToArray(bool deterministic,
                                                    uint8_t* target) const;
+  protobuf::Metadata GetMetadata() const final;
 
  protected:
   constexpr MessageFrame() = default;
@@ -188,7 +189,6 @@ class MAV_PROTOBUF_EXPORT MessageFrame : public protobuf::Message {
   void SwapUnknownFields(MessageFrame* other) {
     _internal_metadata_.InternalSwap(&other->_internal_metadata_);
   }
-  protobuf::Metadata GetMetadata() const final;
   const ClassData* GetClassData() const final;
 
  private:
