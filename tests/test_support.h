@@ -74,7 +74,8 @@ template <typename Message>
 bool ParseInto(Message* message, const std::string& bytes) {
   google::protobuf::io::ArrayInputStream in(bytes.data(), static_cast<int>(bytes.size()), 1);
   Message chunked(*message);
-  const bool chunked_ok = chunked.MergeFromZeroCopyStream(&in);
+  const bool chunked_ok =
+      chunked.MergeFromBoundedZeroCopyStream(&in, static_cast<int>(bytes.size()));
   const bool ok = message->MergeFromString(bytes);
   EXPECT_EQ(chunked_ok, ok) << "chunked parse of " << Hex(bytes);
   if (ok && chunked_ok) {

@@ -42,7 +42,7 @@ ArrayString::ArrayString(const ArrayString& from)
 
 internal::FieldRead ArrayString::ReadField(uint32_t tag, const char* ptr,
                                            internal::ParseContext* ctx) {
-  if (tag != wire::MakeTag(1, wire::WireFormatLite::WIRETYPE_LENGTH_DELIMITED)) {
+  if (tag != wire::LengthDelimitedTag(1)) {
     return std::nullopt;
   }
   return wire::ReadBytes(string_content_.Add(), ptr, ctx);

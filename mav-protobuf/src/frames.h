@@ -269,7 +269,7 @@ auto PackedArrayFrame<Derived, Element>::operator=(PackedArrayFrame&& from) noex
 template <typename Derived, typename Element>
 FieldRead PackedArrayFrame<Derived, Element>::ReadField(uint32_t tag, const char* ptr,
                                                        ParseContext* ctx) {
-  constexpr uint32_t kPackedTag = MakeTag(1, WireFormatLite::WIRETYPE_LENGTH_DELIMITED);
+  constexpr uint32_t kPackedTag = wire::LengthDelimitedTag(1);
   switch (tag) {
     case kPackedTag:
       return wire::Packed<Element>::ReadRun(&values_, ptr, ctx);
@@ -336,7 +336,7 @@ auto ByteArrayFrame<Derived>::operator=(ByteArrayFrame&& from) noexcept -> ByteA
 template <typename Derived>
 FieldRead ByteArrayFrame<Derived>::ReadField(uint32_t tag, const char* ptr,
                                              ParseContext* ctx) {
-  if (tag != MakeTag(1, WireFormatLite::WIRETYPE_LENGTH_DELIMITED)) return std::nullopt;
+  if (tag != wire::LengthDelimitedTag(1)) return std::nullopt;
   return wire::ReadBytes(bytes_.Mutable(nullptr), ptr, ctx);
 }
 
@@ -402,7 +402,7 @@ auto RepeatedMessageFrame<Derived, Element>::operator=(RepeatedMessageFrame&& fr
 template <typename Derived, typename Element>
 FieldRead RepeatedMessageFrame<Derived, Element>::ReadField(uint32_t tag, const char* ptr,
                                                            ParseContext* ctx) {
-  if (tag != MakeTag(1, WireFormatLite::WIRETYPE_LENGTH_DELIMITED)) return std::nullopt;
+  if (tag != wire::LengthDelimitedTag(1)) return std::nullopt;
   return ctx->ParseMessage(elements_.Add(), ptr);
 }
 

@@ -7,13 +7,7 @@
 namespace Tarnwick {
 namespace MavProtobuf {
 
-namespace {
-
-using wire::MakeTag;
 using wire::WireFormatLite;
-constexpr auto kLengthDelimited = WireFormatLite::WIRETYPE_LENGTH_DELIMITED;
-
-}  // namespace
 
 // PropertyNode --------------------------------------------------------------
 
@@ -41,9 +35,9 @@ PropertyNode::~PropertyNode() { type_.Clear(); }
 internal::FieldRead PropertyNode::ReadField(uint32_t tag, const char* ptr,
                                             internal::ParseContext* ctx) {
   switch (tag) {
-    case MakeTag(kMapType, kLengthDelimited):
-    case MakeTag(kListType, kLengthDelimited):
-    case MakeTag(kValueType, kLengthDelimited):
+    case wire::LengthDelimitedTag(kMapType):
+    case wire::LengthDelimitedTag(kListType):
+    case wire::LengthDelimitedTag(kValueType):
       return wire::ReadMessageMember(&type_, tag >> 3, NodePrototype(tag >> 3), ptr, ctx);
   }
   return std::nullopt;
@@ -97,7 +91,7 @@ PropertyMap::~PropertyMap() { map_data_.Destruct(); }
 // fails the parse with its entry kept. A key seen twice keeps the last value.
 internal::FieldRead PropertyMap::ReadField(uint32_t tag, const char* ptr,
                                            internal::ParseContext* ctx) {
-  if (tag != MakeTag(kMapDataFieldNumber, kLengthDelimited)) return std::nullopt;
+  if (tag != wire::LengthDelimitedTag(kMapDataFieldNumber)) return std::nullopt;
   PropertyMap_MapDataEntry_DoNotUse::Parser<MapDataField, protobuf::Map<std::string, PropertyNode>>
       parser(&map_data_);
   ptr = ctx->ParseMessage(&parser, ptr);
@@ -126,7 +120,8 @@ uint8_t* PropertyMap::WriteFields(uint8_t* target,
                                   internal::EpsCopyOutputStream* stream) const {
   auto write_entry = [&](const std::string& key, const PropertyNode& node) {
     target = stream->EnsureSpace(target);
-    target = WireFormatLite::WriteTagToArray(kMapDataFieldNumber, kLengthDelimited, target);
+    target = WireFormatLite::WriteTagToArray(
+        kMapDataFieldNumber, WireFormatLite::WIRETYPE_LENGTH_DELIMITED, target);
     target = wire::CodedOutputStream::WriteVarint32ToArray(
         static_cast<uint32_t>(EntrySize(key, node.GetCachedSize())), target);
     target = stream->WriteString(1, key, target);

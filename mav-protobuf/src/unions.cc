@@ -6,13 +6,8 @@
 namespace Tarnwick {
 namespace MavProtobuf {
 
-namespace {
-
 using wire::MakeTag;
 using wire::WireFormatLite;
-constexpr auto kLengthDelimited = WireFormatLite::WIRETYPE_LENGTH_DELIMITED;
-
-}  // namespace
 
 // ScalarDataUnion -----------------------------------------------------------
 
@@ -54,7 +49,7 @@ ScalarDataUnion::~ScalarDataUnion() { content_.Clear(); }
 internal::FieldRead ScalarDataUnion::ReadField(uint32_t tag, const char* ptr,
                                                internal::ParseContext* ctx) {
   switch (tag) {
-    case MakeTag(kStringContent, kLengthDelimited):
+    case wire::LengthDelimitedTag(kStringContent):
       return wire::ReadBytes(mutable_string_content(), ptr, ctx);
     case MakeTag(kFloatContent, WireFormatLite::WIRETYPE_FIXED32):
       return ReadScalarMember(&content_, kFloatContent, &Slot::float_value, ptr);
@@ -78,10 +73,10 @@ internal::FieldRead ScalarDataUnion::ReadField(uint32_t tag, const char* ptr,
       return ReadScalarMember(&content_, kUnsignedInt64Content, &Slot::uint64_value, ptr);
     case MakeTag(kBoolContent, WireFormatLite::WIRETYPE_VARINT):
       return ReadScalarMember(&content_, kBoolContent, &Slot::bool_value, ptr);
-    case MakeTag(kComplexFloatContent, kLengthDelimited):
-    case MakeTag(kComplexDoubleContent, kLengthDelimited):
-    case MakeTag(kDurationContent, kLengthDelimited):
-    case MakeTag(kTimePointContent, kLengthDelimited):
+    case wire::LengthDelimitedTag(kComplexFloatContent):
+    case wire::LengthDelimitedTag(kComplexDoubleContent):
+    case wire::LengthDelimitedTag(kDurationContent):
+    case wire::LengthDelimitedTag(kTimePointContent):
       return wire::ReadMessageMember(&content_, tag >> 3, ScalarMessagePrototype(tag >> 3), ptr,
                                      ctx);
   }
@@ -211,16 +206,16 @@ ArrayDataUnion::~ArrayDataUnion() {
 internal::FieldRead ArrayDataUnion::ReadField(uint32_t tag, const char* ptr,
                                               internal::ParseContext* ctx) {
   switch (tag) {
-    case MakeTag(kDataorderFieldNumber, kLengthDelimited):
+    case wire::LengthDelimitedTag(kDataorderFieldNumber):
       return wire::ReadBytes(dataorder_.Mutable(nullptr), ptr, ctx);
-    case MakeTag(kDimensionsFieldNumber, kLengthDelimited):
+    case wire::LengthDelimitedTag(kDimensionsFieldNumber):
       return wire::Packed<uint32_t>::ReadRun(&dimensions_, ptr, ctx);
     case MakeTag(kDimensionsFieldNumber, WireFormatLite::WIRETYPE_VARINT):
-      return wire::Packed<uint32_t>::ReadUnpacked<MakeTag(kDimensionsFieldNumber, kLengthDelimited)>(
+      return wire::Packed<uint32_t>::ReadUnpacked<wire::LengthDelimitedTag(kDimensionsFieldNumber)>(
           &dimensions_, ptr, ctx);
   }
   const uint32_t number = tag >> 3;
-  if (WireFormatLite::GetTagWireType(tag) != kLengthDelimited || number > kLastArrayMember ||
+  if (WireFormatLite::GetTagWireType(tag) != WireFormatLite::WIRETYPE_LENGTH_DELIMITED || number > kLastArrayMember ||
       kArrayMemberPrototypes[number] == nullptr) {
     return std::nullopt;
   }
@@ -297,10 +292,10 @@ KVariant::~KVariant() {
 internal::FieldRead KVariant::ReadField(uint32_t tag, const char* ptr,
                                         internal::ParseContext* ctx) {
   switch (tag) {
-    case MakeTag(kScalarData, kLengthDelimited):
-    case MakeTag(kArrayData, kLengthDelimited):
+    case wire::LengthDelimitedTag(kScalarData):
+    case wire::LengthDelimitedTag(kArrayData):
       return wire::ReadMessageMember(&data_, tag >> 3, DataPrototype(tag >> 3), ptr, ctx);
-    case MakeTag(kWellknowntypeFieldNumber, kLengthDelimited):
+    case wire::LengthDelimitedTag(kWellknowntypeFieldNumber):
       return wire::ReadBytes(wellknowntype_.Mutable(nullptr), ptr, ctx);
   }
   return std::nullopt;

@@ -30,6 +30,9 @@ using protobuf::io::EpsCopyOutputStream;
 constexpr uint32_t MakeTag(uint32_t number, WireFormatLite::WireType type) {
   return (number << 3) | static_cast<uint32_t>(type);
 }
+constexpr uint32_t LengthDelimitedTag(uint32_t number) {
+  return MakeTag(number, WireFormatLite::WIRETYPE_LENGTH_DELIMITED);
+}
 constexpr size_t TagSize(uint32_t number) { return number < 16 ? 1 : 2; }
 
 // How one scalar type travels: wire type, reading, sizing, writing, and the
