@@ -180,20 +180,12 @@ auto ScalarPairFrame<Derived, First, Second>::operator=(ScalarPairFrame&& from) 
 
 template <typename Derived, typename First, typename Second>
 FieldRead ScalarPairFrame<Derived, First, Second>::ReadField(uint32_t tag, const char* ptr,
-                                                            ParseContext*) {
+                                                            ParseContext* ctx) {
   switch (tag) {
-    case MakeTag(1, wire::Codec<First>::kWireType): {
-      First value;
-      ptr = wire::Codec<First>::Read(ptr, &value);
-      if (ptr != nullptr) first_ = value;
-      return ptr;
-    }
-    case MakeTag(2, wire::Codec<Second>::kWireType): {
-      Second value;
-      ptr = wire::Codec<Second>::Read(ptr, &value);
-      if (ptr != nullptr) second_ = value;
-      return ptr;
-    }
+    case MakeTag(1, wire::Codec<First>::kWireType):
+      return wire::ReadValue(ptr, ctx, &first_);
+    case MakeTag(2, wire::Codec<Second>::kWireType):
+      return wire::ReadValue(ptr, ctx, &second_);
   }
   return std::nullopt;
 }

@@ -30,10 +30,10 @@ const protobuf::Message& ScalarMessagePrototype(uint32_t number) {
 // value cannot be read the oneof is left empty.
 template <typename OneofT, typename T>
 const char* ReadScalarMember(OneofT* oneof, uint32_t number, T internal::OneofSlot::*member,
-                             const char* ptr) {
+                             const char* ptr, internal::ParseContext* ctx) {
   oneof->Clear();
   T value;
-  ptr = wire::Codec<T>::Read(ptr, &value);
+  ptr = wire::ReadValue(ptr, ctx, &value);
   if (ptr != nullptr) oneof->SetScalar(number, member, value);
   return ptr;
 }
@@ -52,27 +52,27 @@ internal::FieldRead ScalarDataUnion::ReadField(uint32_t tag, const char* ptr,
     case wire::LengthDelimitedTag(kStringContent):
       return wire::ReadBytes(mutable_string_content(), ptr, ctx);
     case MakeTag(kFloatContent, WireFormatLite::WIRETYPE_FIXED32):
-      return ReadScalarMember(&content_, kFloatContent, &Slot::float_value, ptr);
+      return ReadScalarMember(&content_, kFloatContent, &Slot::float_value, ptr, ctx);
     case MakeTag(kDoubleContent, WireFormatLite::WIRETYPE_FIXED64):
-      return ReadScalarMember(&content_, kDoubleContent, &Slot::double_value, ptr);
+      return ReadScalarMember(&content_, kDoubleContent, &Slot::double_value, ptr, ctx);
     case MakeTag(kInt8Content, WireFormatLite::WIRETYPE_VARINT):
-      return ReadScalarMember(&content_, kInt8Content, &Slot::int32_value, ptr);
+      return ReadScalarMember(&content_, kInt8Content, &Slot::int32_value, ptr, ctx);
     case MakeTag(kInt16Content, WireFormatLite::WIRETYPE_VARINT):
-      return ReadScalarMember(&content_, kInt16Content, &Slot::int32_value, ptr);
+      return ReadScalarMember(&content_, kInt16Content, &Slot::int32_value, ptr, ctx);
     case MakeTag(kInt32Content, WireFormatLite::WIRETYPE_VARINT):
-      return ReadScalarMember(&content_, kInt32Content, &Slot::int32_value, ptr);
+      return ReadScalarMember(&content_, kInt32Content, &Slot::int32_value, ptr, ctx);
     case MakeTag(kInt64Content, WireFormatLite::WIRETYPE_VARINT):
-      return ReadScalarMember(&content_, kInt64Content, &Slot::int64_value, ptr);
+      return ReadScalarMember(&content_, kInt64Content, &Slot::int64_value, ptr, ctx);
     case MakeTag(kUnsignedInt8Content, WireFormatLite::WIRETYPE_VARINT):
-      return ReadScalarMember(&content_, kUnsignedInt8Content, &Slot::uint32_value, ptr);
+      return ReadScalarMember(&content_, kUnsignedInt8Content, &Slot::uint32_value, ptr, ctx);
     case MakeTag(kUnsignedInt16Content, WireFormatLite::WIRETYPE_VARINT):
-      return ReadScalarMember(&content_, kUnsignedInt16Content, &Slot::uint32_value, ptr);
+      return ReadScalarMember(&content_, kUnsignedInt16Content, &Slot::uint32_value, ptr, ctx);
     case MakeTag(kUnsignedInt32Content, WireFormatLite::WIRETYPE_VARINT):
-      return ReadScalarMember(&content_, kUnsignedInt32Content, &Slot::uint32_value, ptr);
+      return ReadScalarMember(&content_, kUnsignedInt32Content, &Slot::uint32_value, ptr, ctx);
     case MakeTag(kUnsignedInt64Content, WireFormatLite::WIRETYPE_VARINT):
-      return ReadScalarMember(&content_, kUnsignedInt64Content, &Slot::uint64_value, ptr);
+      return ReadScalarMember(&content_, kUnsignedInt64Content, &Slot::uint64_value, ptr, ctx);
     case MakeTag(kBoolContent, WireFormatLite::WIRETYPE_VARINT):
-      return ReadScalarMember(&content_, kBoolContent, &Slot::bool_value, ptr);
+      return ReadScalarMember(&content_, kBoolContent, &Slot::bool_value, ptr, ctx);
     case wire::LengthDelimitedTag(kComplexFloatContent):
     case wire::LengthDelimitedTag(kComplexDoubleContent):
     case wire::LengthDelimitedTag(kDurationContent):

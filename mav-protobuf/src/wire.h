@@ -106,6 +106,18 @@ struct Codec<uint64_t> : VarintCodec<uint64_t> {};
 template <>
 struct Codec<bool> : VarintCodec<bool> {};
 
+// Reads one value into `value`, but only when it lies wholly within the
+// input: the parse buffer keeps spare bytes past the end of the input, and
+// those must never become a value. Returns null when the input ends early.
+template <typename T>
+const char* ReadValue(const char* ptr, ParseContext* ctx, T* value) {
+  T read;
+  ptr = Codec<T>::Read(ptr, &read);
+  if (ptr == nullptr || (ctx->Done(&ptr) && ptr == nullptr)) return nullptr;
+  *value = read;
+  return ptr;
+}
+
 // A singular scalar field: tag and value.
 template <typename T>
 size_t ScalarFieldSize(uint32_t number, T value) {
@@ -212,7 +224,7 @@ struct Packed {
   static const char* ReadUnpacked(Elements* values, const char* ptr, ParseContext* ctx) {
     constexpr int kContinuationSize = kContinuationTag < 128 ? 1 : 2;
     T value;
-    ptr = Codec<T>::Read(ptr, &value);
+    ptr = ReadValue(ptr, ctx, &value);
     if (ptr == nullptr) return nullptr;
     values->Add(value);
     while (values->size() < values->Capacity()) {
@@ -222,7 +234,7 @@ struct Packed {
           ctx->BytesUntilLimit(ptr) < kContinuationSize + static_cast<int>(sizeof(T))) {
         break;
       }
-      ptr = Codec<T>::Read(ptr + kContinuationSize, &value);
+      ptr = ReadValue(ptr + kContinuationSize, ctx, &value);
       if (ptr == nullptr) return nullptr;
       values->AddAlreadyReserved(value);
     }

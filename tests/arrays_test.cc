@@ -1,0 +1,197 @@
+// The array messages on the wire: packed numeric arrays, byte arrays, the
+// string array and the chrono array.
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+
+#include "test_support.h"
+
+namespace {
+
+using namespace Tarnwick::MavProtobuf;
+using namespace mav_test;
+namespace pb = google::protobuf;
+
+template <typename Array, typename T>
+std::string WireOfArray(void (Array::*add)(T), std::initializer_list<T> values) {
+  Array array;
+  for (T value : values) (array.*add)(value);
+  return Hex(WireOf(array));
+}
+
+TEST(PackedArrays, EveryElementIsWrittenInOnePackedRun) {
+  EXPECT_EQ(WireOfArray(&ArrayInt16::add_int16_content, {}), "");
+  EXPECT_EQ(WireOfArray(&ArrayInt16::add_int16_content, {1, 2, 3}), "0A 03 01 02 03");
+  // Negative values are sign-extended to ten bytes; nothing narrows to 16 bits.
+  EXPECT_EQ(WireOfArray(&ArrayInt16::add_int16_content, {-1}), "0A 0A FF FF FF FF FF FF FF FF FF 01");
+  EXPECT_EQ(WireOfArray(&ArrayInt16::add_int16_content, {70000}), "0A 03 F0 A2 04");
+  EXPECT_EQ(WireOfArray(&ArrayUnsignedInt16::add_unsignedint16_content, {0xFFFFFFFFu}),
+            "0A 05 FF FF FF FF 0F");
+  EXPECT_EQ(WireOfArray(&ArrayInt32::add_int32_content, {0, -2}),
+            "0A 0B 00 FE FF FF FF FF FF FF FF FF 01");
+  EXPECT_EQ(WireOfArray(&ArrayInt64::add_int64_content, {std::numeric_limits<int64_t>::min()}),
+            "0A 0A 80 80 80 80 80 80 80 80 80 01");
+  EXPECT_EQ(WireOfArray(&ArrayUnsignedInt64::add_unsignedint64_content, {~uint64_t{0}, uint64_t{1}}),
+            "0A 0B FF FF FF FF FF FF FF FF FF 01 01");
+  // Elements have no zero test: a -0.0 element is written.
+  EXPECT_EQ(WireOfArray(&ArrayFloat::add_float_content, {1.0f, -0.0f}), "0A 08 00 00 80 3F 00 00 00 80");
+  EXPECT_EQ(WireOfArray(&ArrayDouble::add_double_content, {1.0}), "0A 08 00 00 00 00 00 00 F0 3F");
+  EXPECT_EQ(WireOfArray(&ArrayBool::add_bool_content, {true, false}), "0A 02 01 00");
+}
+
+TEST(PackedArrays, BothFormsAreReadAndAppend) {
+  ArrayInt16 i16;
+  ASSERT_TRUE(ParseInto(&i16, Bytes({0x08, 0x01, 0x08, 0x02})));
+  ASSERT_TRUE(ParseInto(&i16, Bytes({0x0A, 0x02, 0x05, 0x06, 0x0A, 0x03, 0xF0, 0xA2, 0x04})));
+  i16.MergeFrom(ArrayInt16(i16));
+  EXPECT_EQ(Hex(WireOf(i16)), "0A 0E 01 02 05 06 F0 A2 04 01 02 05 06 F0 A2 04");
+  // A run longer than the input fails; elements read before stay.
+  EXPECT_FALSE(ParseInto(&i16, Bytes({0x0A, 0x05, 0x01})));
+  EXPECT_EQ(i16.int16_content(9), 70000);
+
+  // Any non-zero varint is true, and is written back as 1.
+  ArrayBool b;
+  ASSERT_TRUE(ParseInto(&b, Bytes({0x0A, 0x02, 0x05, 0x00, 0x08, 0x02})));
+  EXPECT_EQ(Hex(WireOf(b)), "0A 03 01 00 01");
+  ArrayFloat f;
+  ASSERT_TRUE(ParseInto(&f, Bytes({0x0D, 0x00, 0x00, 0x80, 0x3F, 0x0D, 0x00, 0x00, 0x00, 0x40})));
+  EXPECT_EQ(Hex(WireOf(f)), "0A 08 00 00 80 3F 00 00 00 40");
+  EXPECT_FALSE(ParseInto(&f, Bytes({0x0A, 0x03, 0x00, 0x00, 0x80})));
+}
+
+// After an unpacked element the reader goes on with the packed tag while the
+// field has spare capacity, so a packed run that follows has its length taken
+// as an element.
+TEST(PackedArrays, UnpackedElementContinuesWithThePackedTag) {
+  const std::string input = Bytes({0x08, 0x05, 0x0A, 0x02, 0x01, 0x02});
+  ArrayInt16 i16;
+  EXPECT_FALSE(ParseInto(&i16, input));
+  ASSERT_EQ(i16.int16_content_size(), 2);
+  EXPECT_EQ(i16.int16_content(1), 2);
+  // One int64 fills the first allocation: no spare capacity, no continuation.
+  ArrayInt64 full;
+  ASSERT_TRUE(ParseInto(&full, input));
+  EXPECT_EQ(Hex(WireOf(full)), "0A 03 05 01 02");
+
+  // Fixed-width elements continue only while a whole element follows.
+  ArrayFloat f;
+  ASSERT_TRUE(ParseInto(&f, Bytes({0x0D, 0x00, 0x00, 0x80, 0x3F, 0x0A, 0x00, 0x00, 0x00, 0x40})));
+  EXPECT_EQ(Hex(WireOf(f)), "0A 08 00 00 80 3F 00 00 00 40");
+  ArrayFloat short_tail;
+  EXPECT_TRUE(ParseInto(&short_tail, Bytes({0x0D, 0x00, 0x00, 0x80, 0x3F, 0x0A, 0x00})));
+  EXPECT_EQ(short_tail.float_content_size(), 1);
+  // A continuation tag at the very end has no element behind it.
+  ArrayInt16 cut;
+  EXPECT_FALSE(ParseInto(&cut, Bytes({0x08, 0x05, 0x0A})));
+  EXPECT_EQ(cut.int16_content_size(), 1);
+}
+
+// The writers take the length prefix from the last ByteSizeLong().
+TEST(PackedArrays, ElementsChangedAfterSizingKeepTheOldLength) {
+  ArrayInt16 i16;
+  i16.add_int16_content(1);
+  i16.add_int16_content(2);
+  EXPECT_EQ(i16.ByteSizeLong(), 4u);
+  i16.add_int16_content(3);
+  std::string bytes;
+  {
+    pb::io::StringOutputStream out(&bytes);
+    pb::io::CodedOutputStream coded(&out);
+    i16.SerializeWithCachedSizes(&coded);
+  }
+  EXPECT_EQ(Hex(bytes), "0A 02 01 02 03");
+}
+
+TEST(ByteArrays, OneByteStringThatIsReplacedNotAppended) {
+  ArrayInt8 a;
+  EXPECT_EQ(a.release_int8_content(), nullptr);
+  a.set_int8_content(std::string());
+  EXPECT_EQ(WireOf(a), "");
+  EXPECT_NE(std::unique_ptr<std::string>(a.release_int8_content()), nullptr);
+  const unsigned char raw[] = {0xFF, 0x00, 0x7F};
+  a.set_int8_content(raw, sizeof raw);
+  EXPECT_EQ(Hex(WireOf(a)), "0A 03 FF 00 7F");
+
+  ArrayUnsignedInt8 u;
+  ASSERT_TRUE(ParseInto(&u, Bytes({0x0A, 0x01, 0x01, 0x0A, 0x01, 0x02})));
+  EXPECT_EQ(u.unsignedint8_content(), Bytes({0x02}));
+  ArrayUnsignedInt8 source;
+  u.MergeFrom(source);
+  EXPECT_EQ(u.unsignedint8_content(), Bytes({0x02}));
+  source.set_unsignedint8_content(Bytes({0x05}));
+  u.set_unsignedint8_content(Bytes({0x01, 0x02}));
+  u.MergeFrom(source);
+  EXPECT_EQ(u.unsignedint8_content(), Bytes({0x05}));
+  EXPECT_FALSE(ParseInto(&u, Bytes({0x0A, 0x05, 0x01})));
+}
+
+TEST(StringArray, ElementsTravelAsOpaqueBytes) {
+  ArrayString s;
+  s.add_string_content("");
+  s.add_string_content();
+  s.add_string_content(std::string());
+  EXPECT_EQ(Hex(WireOf(s)), "0A 00 0A 00 0A 00");
+  ArrayString parsed;
+  ASSERT_TRUE(ParseInto(&parsed, WireOf(s)));
+  EXPECT_EQ(parsed.string_content_size(), 3);
+  s.set_string_content(1, std::string(200, 'x'));
+  EXPECT_EQ(WireOf(s).size(), 207u);
+  EXPECT_EQ(Hex(WireOf(s).substr(0, 6)), "0A 00 0A C8 01 78");
+
+  const std::string not_utf8 = Bytes({0x0A, 0x02, 0xFF, 0xC0, 0x0A, 0x01, 0x80});
+  ArrayString binary;
+  ASSERT_TRUE(ParseInto(&binary, not_utf8));
+  EXPECT_EQ(binary.string_content(0), Bytes({0xFF, 0xC0}));
+  EXPECT_EQ(WireOf(binary), not_utf8);
+
+  const std::string* kept = &binary.string_content(0);
+  binary.clear_string_content();
+  std::string* reused = binary.add_string_content();
+  EXPECT_EQ(reused, kept);
+  EXPECT_TRUE(reused->empty());
+  parsed.set_string_content(2, "a");
+  binary.MergeFrom(parsed);
+  EXPECT_EQ(Hex(WireOf(binary)), "0A 00 0A 00 0A 00 0A 01 61");
+  EXPECT_FALSE(ParseInto(&binary, Bytes({0x0A, 0x05, 0x61, 0x62})));
+  EXPECT_EQ(binary.string_content_size(), 5);
+}
+
+TEST(ChronoArray, ElementsAreLengthDelimitedMessages) {
+  ArrayChronoData a;
+  a.add_chrono_content();
+  a.add_chrono_content()->set_seconds_content(1);
+  a.add_chrono_content()->set_seconds_content(-1);
+  EXPECT_EQ(Hex(WireOf(a)), "0A 00 0A 02 08 01 0A 0B 08 FF FF FF FF FF FF FF FF FF 01");
+
+  // Within an element the last value wins and unknown fields stay with it.
+  ArrayChronoData parsed;
+  ASSERT_TRUE(ParseInto(&parsed, Bytes({0x0A, 0x06, 0x08, 0x01, 0x08, 0x02, 0x18, 0x07})));
+  EXPECT_EQ(Hex(WireOf(parsed)), "0A 04 08 02 18 07");
+  // An element's field may not run past the element's length, and the bytes
+  // beyond it never become a value.
+  ArrayChronoData overrun;
+  EXPECT_FALSE(ParseInto(&overrun, Bytes({0x0A, 0x01, 0x08, 0x01})));
+  ASSERT_EQ(overrun.chrono_content_size(), 1);
+  EXPECT_EQ(overrun.chrono_content(0).seconds_content(), 0);
+
+  ChronoData* first = a.mutable_chrono_content(0);
+  first->set_fractional_content(9);
+  a.clear_chrono_content();
+  EXPECT_EQ(a.add_chrono_content(), first);
+  EXPECT_EQ(WireOf(*first), "");
+  first->set_seconds_content(4);
+  a.MergeFrom(parsed);
+  EXPECT_EQ(Hex(WireOf(a)), "0A 02 08 04 0A 04 08 02 18 07");
+
+  // Each element takes one level of the input's recursion budget.
+  for (int limit : {0, 1}) {
+    pb::io::CodedInputStream stream(reinterpret_cast<const uint8_t*>("\x0A\x02\x08\x01"), 4);
+    stream.SetRecursionLimit(limit);
+    ArrayChronoData budget;
+    EXPECT_EQ(budget.MergeFromCodedStream(&stream), limit == 1) << limit;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,157 @@
+// The property tree on the wire: one tree byte for byte, empty children, list
+// element reuse, map entries (order, duplicates, missing parts, bad keys) and
+// the parse depth bound.
+
+#include <google/protobuf/stubs/logging.h>
+
+#include <set>
+
+#include "test_support.h"
+
+namespace {
+
+using namespace Tarnwick::MavProtobuf;
+using mav_test::Bytes;
+using mav_test::Hex;
+using mav_test::ParseInto;
+using mav_test::WireOf;
+namespace pb = google::protobuf;
+
+PropertyNode& At(PropertyMap* map, const std::string& key) { return (*map->mutable_map_data())[key]; }
+
+// A little-endian double whose two high bytes are its only non-zero ones.
+std::string Double(int byte6, int byte7) { return std::string(6, '\0') + Bytes({byte6, byte7}); }
+
+TEST(PropertyTree, OneTreeByteForByte) {
+  PropertyNode root;
+  ArrayDataUnion* array = At(root.mutable_map_type(), "m").mutable_value_type()->mutable_array_data();
+  for (double value : {0.0, 1.0, 2.0, -1.0, 0.5, 4.0}) array->mutable_double_content()->add_double_content(value);
+  array->add_dimensions(2);
+  array->add_dimensions(3);
+  const std::string wire = Bytes({10, 68, 10, 66, 10, 1, 'm', 18, 61, 26, 59, 18, 57, 26, 50, 10, 48}) +
+                           Double(0, 0) + Double(0xF0, 0x3F) + Double(0, 0x40) + Double(0xF0, 0xBF) +
+                           Double(0xE0, 0x3F) + Double(0x10, 0x40) + Bytes({0x82, 0x01, 2, 2, 3});
+  EXPECT_EQ(Hex(WireOf(root)), Hex(wire));
+  PropertyNode read;
+  ASSERT_TRUE(ParseInto(&read, wire));
+  EXPECT_EQ(Hex(WireOf(read)), Hex(wire));
+
+  // Map, entry, node, variant, union, array: six levels of the budget.
+  for (int depth : {6, 5}) {
+    pb::io::CodedInputStream in(reinterpret_cast<const uint8_t*>(wire.data()), static_cast<int>(wire.size()));
+    in.SetRecursionLimit(depth);
+    PropertyNode node;
+    EXPECT_EQ(node.MergeFromCodedStream(&in), depth == 6) << depth;
+  }
+}
+
+TEST(PropertyTree, EmptyChildrenAreWrittenAndListsAppendAndReuse) {
+  PropertyNode node;
+  ASSERT_TRUE(ParseInto(&node, Bytes({10, 0, 26, 0})));  // the map child is replaced
+  EXPECT_EQ(&node.map_type(), &PropertyMap::default_instance());
+  EXPECT_EQ(Hex(WireOf(node)), Hex(Bytes({26, 0})));
+
+  PropertyList list;
+  list.add_list_data();
+  list.add_list_data()->mutable_list_type();
+  list.add_list_data()->mutable_map_type();
+  EXPECT_EQ(Hex(WireOf(list)), Hex(Bytes({10, 0, 10, 2, 18, 0, 10, 2, 10, 0})));
+  // Parsing appends after the elements already there; field 1 as a varint is
+  // an unknown field, not an element.
+  ASSERT_TRUE(ParseInto(&list, Bytes({10, 0, 8, 1, 10, 2, 26, 0})));
+  EXPECT_EQ(Hex(WireOf(list)), Hex(Bytes({10, 0, 10, 2, 18, 0, 10, 2, 10, 0, 10, 0, 10, 2, 26, 0, 8, 1})));
+
+  std::set<const PropertyNode*> former;
+  for (const PropertyNode& element : list.list_data()) former.insert(&element);
+  list.Clear();
+  PropertyNode* reused = list.add_list_data();
+  EXPECT_EQ(former.count(reused), 1u);
+  ASSERT_TRUE(ParseInto(&list, Bytes({10, 2, 18, 0})));
+  EXPECT_EQ(former.count(&list.list_data(1)), 1u);
+  EXPECT_EQ(Hex(WireOf(list)), Hex(Bytes({10, 0, 10, 2, 18, 0})));
+}
+
+TEST(PropertyMap, EntryBytesAndDeterministicOrder) {
+  PropertyMap map;
+  EXPECT_EQ(WireOf(map), "");
+  At(&map, "b");
+  EXPECT_EQ(Hex(WireOf(map, true)), Hex(Bytes({10, 5, 10, 1, 'b', 18, 0})));
+  At(&map, "a");
+  At(&map, "ab").mutable_list_type();
+  const std::string sorted =
+      Bytes({10, 5, 10, 1, 'a', 18, 0, 10, 8, 10, 2, 'a', 'b', 18, 2, 18, 0, 10, 5, 10, 1, 'b', 18, 0});
+  EXPECT_EQ(Hex(WireOf(map, true)), Hex(sorted));
+  PropertyMap read;  // the map's own order reads back to the same map
+  ASSERT_TRUE(ParseInto(&read, WireOf(map)));
+  EXPECT_EQ(Hex(WireOf(read, true)), Hex(sorted));
+}
+
+TEST(PropertyMap, ParseKeepsTheLastValueAndFillsMissingParts) {
+  // "k" -> {wellknowntype "x"}, then "k" -> {empty scalar}: replaced, not merged.
+  PropertyMap map;
+  ASSERT_TRUE(ParseInto(&map, Bytes({10, 10, 10, 1, 'k', 18, 5, 26, 3, 26, 1, 'x',
+                                     10, 9, 10, 1, 'k', 18, 4, 26, 2, 10, 0})));
+  ASSERT_EQ(map.map_data_size(), 1);
+  EXPECT_EQ(map.map_data().at("k").value_type().wellknowntype(), "");
+  EXPECT_TRUE(map.map_data().at("k").value_type().has_scalar_data());
+
+  // Only a value: key ""; only a key: empty node; value before key.
+  map.Clear();
+  ASSERT_TRUE(ParseInto(&map, Bytes({10, 2, 18, 0, 10, 3, 10, 1, 'v', 10, 7, 18, 2, 18, 0, 10, 1, 'z'})));
+  ASSERT_EQ(map.map_data_size(), 3);
+  EXPECT_EQ(map.map_data().count(""), 1u);
+  EXPECT_EQ(map.map_data().at("v").type_case(), PropertyNode::TYPE_NOT_SET);
+  EXPECT_EQ(map.map_data().at("z").type_case(), PropertyNode::kListType);
+}
+
+std::string g_log;
+void CaptureLog(pb::LogLevel, const char*, int, const std::string& message) { g_log += message; }
+
+TEST(PropertyMap, NonUtf8KeyFailsTheParseKeepsTheEntryAndOnlyLogsOnWrite) {
+  pb::LogHandler* previous = pb::SetLogHandler(&CaptureLog);
+  const std::string entry = Bytes({10, 5, 10, 1, 0xFF, 18, 0});
+  const char kKeyName[] = "Tarnwick.MavProtobuf.PropertyMap.MapDataEntry.key";
+  g_log.clear();
+  PropertyMap read;
+  EXPECT_FALSE(ParseInto(&read, entry));
+  EXPECT_EQ(read.map_data().count("\xFF"), 1u);
+  EXPECT_NE(g_log.find(kKeyName), std::string::npos) << g_log;
+
+  g_log.clear();
+  EXPECT_EQ(Hex(WireOf(read)), Hex(entry));
+  EXPECT_NE(g_log.find(kKeyName), std::string::npos) << g_log;
+  pb::SetLogHandler(previous);
+}
+
+TEST(PropertyMap, MergeReplacesSubtreesOfSharedKeys) {
+  PropertyMap target, source;
+  KVariant* old_value = At(&target, "k").mutable_value_type();
+  old_value->set_wellknowntype("old");
+  old_value->mutable_scalar_data()->set_int32_content(1);
+  At(&target, "x").mutable_list_type();
+  At(&source, "k").mutable_value_type()->mutable_array_data();
+  target.MergeFrom(source);
+  ASSERT_EQ(target.map_data_size(), 2);
+  EXPECT_EQ(Hex(WireOf(target.map_data().at("k"))), Hex(Bytes({26, 2, 18, 0})));
+  EXPECT_EQ(target.map_data().at("x").type_case(), PropertyNode::kListType);
+}
+
+TEST(PropertyTree, NestingBeyondTheRecursionLimitFailsToParseButSerializes) {
+  for (int levels : {100, 101}) {  // node, list, node, ...: `levels` messages below the root
+    SCOPED_TRACE(levels);
+    PropertyNode built, read;
+    PropertyNode* node = &built;
+    for (int level = 1; level <= levels; level += 2) {
+      PropertyList* list = node->mutable_list_type();
+      if (level < levels) node = list->add_list_data();
+    }
+    const std::string wire = WireOf(built);
+    EXPECT_EQ(ParseInto(&read, wire), levels <= 100);
+    EXPECT_EQ(read.type_case(), PropertyNode::kListType);  // kept, even on failure
+    if (levels <= 100) {
+      EXPECT_EQ(Hex(WireOf(read)), Hex(wire));
+    }
+  }
+}
+
+}  // namespace
