@@ -1,0 +1,267 @@
+// Random messages of the schema for the tests that hold the library against
+// the runtime's generic implementation: trees built through the library's
+// accessors, any message filled through reflection alone, and the ways the
+// results are compared.
+#ifndef MAV_PROTOBUF_TESTS_RANDOM_MESSAGES_H_
+#define MAV_PROTOBUF_TESTS_RANDOM_MESSAGES_H_
+
+#include <google/protobuf/io/coded_stream.h>
+#include <google/protobuf/io/zero_copy_stream_impl_lite.h>
+#include <google/protobuf/util/field_comparator.h>
+#include <google/protobuf/util/message_differencer.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <set>
+#include <string>
+
+#include "Mav.pb.h"
+#include "test_support.h"
+
+namespace mav_test {
+
+namespace pb = google::protobuf;
+using namespace Tarnwick::MavProtobuf;
+
+class Random {
+ public:
+  explicit Random(uint64_t seed) : engine_(seed) {}
+  int Below(int n) { return std::uniform_int_distribution<int>(0, n - 1)(engine_); }
+  bool OneIn(int n) { return Below(n) == 0; }
+  // Every varint length, the ends of the range favoured.
+  uint64_t Unsigned() {
+    const uint64_t picks[] = {0, uint64_t(Below(128)), ~uint64_t{0}, engine_() >> Below(64), engine_()};
+    return picks[Below(5)];
+  }
+  int64_t Signed() { const uint64_t v = Unsigned(); return static_cast<int64_t>(OneIn(2) ? 0 - v : v); }
+  int32_t Signed32() { return static_cast<int32_t>(Signed()); }
+  uint32_t Unsigned32() { return static_cast<uint32_t>(Unsigned()); }
+  // -0.0 only where both sides test presence alike (repeated fields and oneof
+  // members): outside a oneof ours counts it as zero, the runtime's does not.
+  template <typename Real>
+  Real Number(bool signed_zero) {
+    using limits = std::numeric_limits<Real>;
+    for (;;) {
+      const Real picks[] = {0, -Real{0}, limits::quiet_NaN(), -limits::infinity(), limits::denorm_min(),
+                            limits::lowest(), static_cast<Real>(std::ldexp(double(engine_() >> 11), Below(120) - 113))};
+      const Real value = picks[Below(7)] * (OneIn(2) ? 1 : -1);
+      if (signed_zero || !(value == 0 && std::signbit(value))) return value;
+    }
+  }
+  std::string Blob(int longest) {
+    std::string bytes(static_cast<size_t>(Below(longest + 1)), '\0');
+    for (char& byte : bytes) byte = static_cast<char>(Below(256));
+    return bytes;
+  }
+  std::string Key() {  // valid UTF-8 of one to four bytes a character, or empty
+    static const char* const kParts[] = {"", "a", "b", "ab", "key", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80"};
+    std::string key;
+    for (int n = Below(3); n > 0; --n) key += kParts[Below(8)];
+    return key;
+  }
+  // Fields from a newer schema, which both sides must keep and write last.
+  void Unknowns(pb::Message* message) {
+    pb::UnknownFieldSet* unknown = message->GetReflection()->MutableUnknownFields(message);
+    unknown->AddVarint(1000 + Below(100), Unsigned());
+    unknown->AddLengthDelimited(536870911, Blob(4));
+    unknown->AddFixed32(99, Unsigned32());
+    unknown->AddGroup(77)->AddFixed64(1, Unsigned());
+  }
+
+ private:
+  std::mt19937_64 engine_;
+};
+
+// Builds trees through the library's own accessors.
+class TreeMaker {
+ public:
+  explicit TreeMaker(Random* random) : r_(*random) {}
+  std::set<int> scalar_kinds, array_kinds;
+
+  void Node(PropertyNode* node, int depth) {
+    const int choice = depth == 0 ? 5 : r_.Below(7);
+    if (choice == 1 || choice == 2) {
+      auto* map = node->mutable_map_type()->mutable_map_data();
+      for (int n = r_.Below(5); n > 0; --n) Node(&(*map)[r_.Key()], depth - 1);
+    } else if (choice == 3 || choice == 4) {
+      PropertyList* list = node->mutable_list_type();
+      for (int n = r_.Below(5); n > 0; --n) Node(list->add_list_data(), depth - 1);
+    } else if (choice != 0) {
+      KVariant* value = node->mutable_value_type();
+      if (r_.OneIn(3)) Scalar(value->mutable_scalar_data());
+      else if (!r_.OneIn(3)) Array(value->mutable_array_data());
+      if (r_.OneIn(2)) value->set_wellknowntype(r_.Blob(8));
+    }
+    if (r_.OneIn(12)) r_.Unknowns(node);
+    // A known number with the wrong wire type is no field of ours either.
+    if (r_.OneIn(12)) node->GetReflection()->MutableUnknownFields(node)->AddVarint(2, r_.Unsigned());
+  }
+
+  void Scalar(ScalarDataUnion* u) {
+    const int kind = r_.Below(17);
+    switch (kind) {
+      case 1: u->set_string_content(r_.Blob(6)); break;
+      case 2: u->set_float_content(r_.Number<float>(true)); break;
+      case 3: u->set_double_content(r_.Number<double>(true)); break;
+      case 4: u->set_int8_content(r_.Signed32()); break;
+      case 5: u->set_int16_content(r_.Signed32()); break;
+      case 6: u->set_int32_content(r_.Signed32()); break;
+      case 7: u->set_int64_content(r_.Signed()); break;
+      case 8: u->set_unsignedint8_content(r_.Unsigned32()); break;
+      case 9: u->set_unsignedint16_content(r_.Unsigned32()); break;
+      case 10: u->set_unsignedint32_content(r_.Unsigned32()); break;
+      case 11: u->set_unsignedint64_content(r_.Unsigned()); break;
+      case 12: u->set_bool_content(r_.OneIn(2)); break;
+      case 13:
+        u->mutable_complexfloat_content()->set_re_content(r_.Number<float>(false));
+        u->mutable_complexfloat_content()->set_im_content(r_.Number<float>(false));
+        break;
+      case 14:
+        u->mutable_complexdouble_content()->set_re_content(r_.Number<double>(false));
+        u->mutable_complexdouble_content()->set_im_content(r_.Number<double>(false));
+        break;
+      case 15: Chrono(u->mutable_duration_content()); break;
+      case 16: Chrono(u->mutable_timepoint_content()); break;
+    }
+    if (kind != 0) scalar_kinds.insert(kind);
+  }
+
+  void Array(ArrayDataUnion* u) {
+    static const int kMembers[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 17, 18};
+    const int kind = kMembers[r_.Below(17)];
+    int n = r_.Below(6);
+    // Each loop's start selects the member, so an empty array is set too.
+    switch (kind) {
+      case 1: for (auto* a = u->mutable_string_content(); n > 0; --n) a->add_string_content(r_.Blob(5)); break;
+      case 2: for (auto* a = u->mutable_float_content(); n > 0; --n) a->add_float_content(r_.Number<float>(true)); break;
+      case 3: for (auto* a = u->mutable_double_content(); n > 0; --n) a->add_double_content(r_.Number<double>(true)); break;
+      case 4: u->mutable_int8_content()->set_int8_content(r_.Blob(8)); break;
+      case 5: for (auto* a = u->mutable_int16_content(); n > 0; --n) a->add_int16_content(r_.Signed32()); break;
+      case 6: for (auto* a = u->mutable_int32_content(); n > 0; --n) a->add_int32_content(r_.Signed32()); break;
+      case 7: for (auto* a = u->mutable_int64_content(); n > 0; --n) a->add_int64_content(r_.Signed()); break;
+      case 8: u->mutable_unsignedint8_content()->set_unsignedint8_content(r_.Blob(8)); break;
+      case 9: for (auto* a = u->mutable_unsignedint16_content(); n > 0; --n) a->add_unsignedint16_content(r_.Unsigned32()); break;
+      case 10: for (auto* a = u->mutable_unsignedint32_content(); n > 0; --n) a->add_unsignedint32_content(r_.Unsigned32()); break;
+      case 11: for (auto* a = u->mutable_unsignedint64_content(); n > 0; --n) a->add_unsignedint64_content(r_.Unsigned()); break;
+      case 12: for (auto* a = u->mutable_bool_content(); n > 0; --n) a->add_bool_content(r_.OneIn(2)); break;
+      case 13: for (auto* a = u->mutable_complexfloat_content(); n > 0; --n) a->add_float_content(r_.Number<float>(true)); break;
+      case 14: for (auto* a = u->mutable_complexdouble_content(); n > 0; --n) a->add_double_content(r_.Number<double>(true)); break;
+      case 17: for (auto* a = u->mutable_duration_content(); n > 0; --n) Chrono(a->add_chrono_content()); break;
+      case 18: for (auto* a = u->mutable_timepoint_content(); n > 0; --n) Chrono(a->add_chrono_content()); break;
+    }
+    if (kind != 0) array_kinds.insert(kind);
+    if (r_.OneIn(2)) u->set_dataorder(r_.Blob(3));
+    for (int d = r_.Below(4); d > 0; --d) u->add_dimensions(r_.Unsigned32());
+  }
+
+  void Chrono(ChronoData* c) {
+    c->set_seconds_content(r_.Signed());
+    c->set_fractional_content(r_.Unsigned());
+  }
+
+ private:
+  Random& r_;
+};
+
+// Fills any message of the schema through reflection alone. The same seed
+// makes the same calls, so our class and a DynamicMessage can be filled alike.
+class ReflectionFiller {
+ public:
+  explicit ReflectionFiller(Random* random) : r_(*random) {}
+
+  void Fill(pb::Message* m, int depth) {
+    const pb::Descriptor* type = m->GetDescriptor();
+    for (int i = 0; i < type->oneof_decl_count(); ++i) {
+      const pb::OneofDescriptor* oneof = type->oneof_decl(i);
+      const int pick = r_.Below(oneof->field_count() + 1);
+      if (pick < oneof->field_count()) Put(m, oneof->field(pick), depth);
+    }
+    for (int i = 0; i < type->field_count(); ++i) {
+      const pb::FieldDescriptor* field = type->field(i);
+      if (field->containing_oneof() != nullptr) continue;
+      if (field->is_map()) FillMap(m, field, depth);
+      else if (field->is_repeated()) for (int n = r_.Below(5); n > 0; --n) Put(m, field, depth);
+      else if (!r_.OneIn(3)) Put(m, field, depth);
+    }
+    if (r_.OneIn(10)) r_.Unknowns(m);
+  }
+
+  // Sets or adds one value of `f`; a message gets filled in turn.
+  void Put(pb::Message* m, const pb::FieldDescriptor* f, int depth) {
+    using R = pb::Reflection;
+    const R* r = m->GetReflection();
+    const bool add = f->is_repeated();
+    const bool signed_zero = add || f->containing_oneof() != nullptr;
+    auto put = [&](auto set_member, auto add_member, auto value) {
+      add ? (r->*add_member)(m, f, value) : (r->*set_member)(m, f, value);
+    };
+    switch (f->cpp_type()) {
+      case pb::FieldDescriptor::CPPTYPE_INT32: put(&R::SetInt32, &R::AddInt32, r_.Signed32()); break;
+      case pb::FieldDescriptor::CPPTYPE_INT64: put(&R::SetInt64, &R::AddInt64, r_.Signed()); break;
+      case pb::FieldDescriptor::CPPTYPE_UINT32: put(&R::SetUInt32, &R::AddUInt32, r_.Unsigned32()); break;
+      case pb::FieldDescriptor::CPPTYPE_UINT64: put(&R::SetUInt64, &R::AddUInt64, r_.Unsigned()); break;
+      case pb::FieldDescriptor::CPPTYPE_FLOAT: put(&R::SetFloat, &R::AddFloat, r_.Number<float>(signed_zero)); break;
+      case pb::FieldDescriptor::CPPTYPE_DOUBLE: put(&R::SetDouble, &R::AddDouble, r_.Number<double>(signed_zero)); break;
+      case pb::FieldDescriptor::CPPTYPE_BOOL: put(&R::SetBool, &R::AddBool, r_.OneIn(2)); break;
+      case pb::FieldDescriptor::CPPTYPE_STRING: put(&R::SetString, &R::AddString, r_.Blob(6)); break;
+      case pb::FieldDescriptor::CPPTYPE_MESSAGE: {
+        const pb::Descriptor* type = f->message_type();
+        const bool tree = type == PropertyNode::descriptor() || type == PropertyMap::descriptor() ||
+                          type == PropertyList::descriptor();
+        if (tree && depth == 0) return;
+        Fill(add ? r->AddMessage(m, f) : r->MutableMessage(m, f), tree ? depth - 1 : depth);
+        break;
+      }
+      default: FAIL() << "no field of this kind in the schema: " << f->full_name();
+    }
+  }
+
+ private:
+  void FillMap(pb::Message* m, const pb::FieldDescriptor* field, int depth) {
+    if (depth == 0) return;
+    std::set<std::string> keys;  // with a key twice, which entry wins would be the writer's choice
+    for (int n = r_.Below(4); n > 0; --n) {
+      pb::Message* entry = m->GetReflection()->AddMessage(m, field);
+      std::string key = r_.Key();
+      while (!keys.insert(key).second) key += "+";
+      // An entry may lack its key or its value; the reader fills in "" and an empty node.
+      if (!key.empty() || r_.OneIn(2)) entry->GetReflection()->SetString(entry, field->message_type()->map_key(), key);
+      if (!r_.OneIn(4)) Fill(entry->GetReflection()->MutableMessage(entry, field->message_type()->map_value()), depth - 1);
+    }
+  }
+
+  Random& r_;
+};
+
+inline std::string Deterministic(const pb::Message& message) {
+  std::string bytes;
+  {
+    pb::io::StringOutputStream out(&bytes);
+    pb::io::CodedOutputStream coded(&out);
+    coded.SetSerializationDeterministic(true);
+    EXPECT_TRUE(message.SerializeToCodedStream(&coded));
+  }
+  return bytes;
+}
+
+// MessageDifferencer::Equals, except that a NaN equals a NaN.
+inline testing::AssertionResult Same(const pb::Message& a, const pb::Message& b) {
+  pb::util::DefaultFieldComparator comparator;
+  comparator.set_treat_nan_as_equal(true);
+  pb::util::MessageDifferencer differencer;
+  differencer.set_field_comparator(&comparator);
+  std::string report;
+  differencer.ReportDifferencesToString(&report);
+  if (differencer.Compare(a, b)) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << report;
+}
+
+inline void ExpectSameBytes(const std::string& library, const std::string& runtime) {
+  if (library != runtime) ADD_FAILURE() << "\n  library: " << Hex(library) << "\n  runtime: " << Hex(runtime);
+}
+
+}  // namespace mav_test
+
+#endif  // MAV_PROTOBUF_TESTS_RANDOM_MESSAGES_H_
