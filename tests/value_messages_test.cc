@@ -29,48 +29,11 @@ TEST(ValueMessages, FloatPairsOnTheWire) {
   target.MergeFrom(f);
   EXPECT_EQ(target.re_content(), 3.0f);
   EXPECT_TRUE(std::isnan(target.im_content()));
-
-  ComplexDouble d;
-  d.set_re_content(-0.0);
-  EXPECT_EQ(WireOf(d), "");
-  d.set_re_content(1.0);
-  d.set_im_content(-2.5);
-  EXPECT_EQ(Hex(WireOf(d)), "09 00 00 00 00 00 00 F0 3F 11 00 00 00 00 00 00 04 C0");
-
-  // The last occurrence of a field wins.
-  ASSERT_TRUE(ParseInto(&f, Bytes({0x0D, 0x00, 0x00, 0x80, 0x3F, 0x15, 0x00, 0x00, 0x80, 0xBF,
-                                   0x0D, 0x00, 0x00, 0x00, 0x40})));
-  EXPECT_EQ(f.re_content(), 2.0f);
-  EXPECT_EQ(f.im_content(), -1.0f);
-  ASSERT_TRUE(ParseInto(&d, Bytes({0x11, 0, 0, 0, 0, 0, 0, 0x08, 0x40})));
-  EXPECT_EQ(d.im_content(), 3.0);
-}
-
-// Seconds are a plain varint, so a negative count takes ten bytes.
-TEST(ValueMessages, ChronoDataVarints) {
-  ChronoData c;
-  c.set_seconds_content(-1);
-  EXPECT_EQ(Hex(WireOf(c)), "08 FF FF FF FF FF FF FF FF FF 01");
-  c.set_seconds_content(0);
-  c.set_fractional_content(std::numeric_limits<uint64_t>::max());
-  EXPECT_EQ(Hex(WireOf(c)), "10 FF FF FF FF FF FF FF FF FF 01");
-  ASSERT_TRUE(ParseInto(&c, Bytes({0x08, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
-                                   0x01, 0x10, 0x05})));
-  EXPECT_EQ(c.seconds_content(), -2);
-  EXPECT_EQ(c.fractional_content(), 5u);
-
-  ChronoData target;
-  target.set_seconds_content(7);
-  target.set_fractional_content(9);
-  c.clear_seconds_content();
-  target.MergeFrom(c);
-  EXPECT_EQ(target.seconds_content(), 7);
-  EXPECT_EQ(target.fractional_content(), 5u);
 }
 
 // Copy construction copies bits; copy assignment is Clear + MergeFrom, which
-// loses a -0.0. Moves and swaps carry the unknown fields along.
-TEST(MessageContract, CopyMoveAndSwap) {
+// loses a -0.0. Moves carry the unknown fields along.
+TEST(MessageContract, CopyAndMove) {
   ComplexDouble source;
   source.set_re_content(-0.0);
   source.set_im_content(std::numeric_limits<double>::quiet_NaN());
@@ -91,21 +54,14 @@ TEST(MessageContract, CopyMoveAndSwap) {
   other.set_im_content(4.0f);
   other = std::move(moved);
   EXPECT_EQ(Hex(WireOf(other)), "0D 00 00 80 3F 18 01");
-  EXPECT_EQ(Hex(WireOf(moved)), "15 00 00 80 40");
-  other.Swap(&moved);
-  EXPECT_EQ(Hex(WireOf(other)), "15 00 00 80 40");
-  EXPECT_EQ(Hex(WireOf(moved)), "0D 00 00 80 3F 18 01");
+  EXPECT_EQ(Hex(WireOf(moved)), "15 00 00 80 40");  // a move assignment swaps
 }
 
-TEST(MessageContract, UnknownFieldsAreKeptAndWrittenAfterKnownFields) {
-  // Field 1 as a varint, a two-byte tag (field 16) and a group (field 3).
-  const std::string unknown = Bytes({0x08, 0x05, 0x80, 0x01, 0x02, 0x1B, 0x08, 0x01, 0x1C});
+// Unknown fields are copied, appended by a merge and dropped by Clear.
+TEST(MessageContract, UnknownFieldsFollowTheMessage) {
+  const std::string unknown = Bytes({0x08, 0x05, 0x80, 0x01, 0x02});  // field 1 as a varint, field 16
   ComplexFloat f;
   ASSERT_TRUE(ParseInto(&f, unknown + Bytes({0x15, 0x00, 0x00, 0x80, 0x3F})));
-  EXPECT_EQ(f.re_content(), 0.0f);
-  EXPECT_EQ(Hex(WireOf(f)), "15 00 00 80 3F " + Hex(unknown));
-  EXPECT_EQ(f.ByteSizeLong(), 14u);
-
   ComplexFloat merged(f);
   merged.MergeFrom(f);
   EXPECT_EQ(Hex(WireOf(merged)), "15 00 00 80 3F " + Hex(unknown) + " " + Hex(unknown));

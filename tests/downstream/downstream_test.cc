@@ -3,8 +3,6 @@
 // as repeated elements and as map values, on the heap and on an arena.
 
 #include <google/protobuf/arena.h>
-#include <google/protobuf/io/coded_stream.h>
-#include <google/protobuf/io/zero_copy_stream_impl_lite.h>
 #include <google/protobuf/util/message_differencer.h>
 #include <gtest/gtest.h>
 
@@ -12,24 +10,15 @@
 #include <string>
 
 #include "downstream.pb.h"
+#include "test_support.h"
 
 namespace {
 
 using namespace Tarnwick::MavProtobuf;
 namespace pb = google::protobuf;
 using mav_downstream::Snapshot;
+using mav_test::Deterministic;
 using pb::util::MessageDifferencer;
-
-std::string Deterministic(const pb::Message& message) {
-  std::string bytes;
-  {
-    pb::io::StringOutputStream out(&bytes);
-    pb::io::CodedOutputStream coded(&out);
-    coded.SetSerializationDeterministic(true);
-    EXPECT_TRUE(message.SerializeToCodedStream(&coded));
-  }
-  return bytes;
-}
 
 void Fill(Snapshot* s) {
   s->set_name("probe");
@@ -54,12 +43,6 @@ TEST(Downstream, FilledMessageRoundTripsThroughBytes) {
   ASSERT_TRUE(back.ParseFromString(bytes));
   EXPECT_TRUE(MessageDifferencer::Equals(back, s));
   EXPECT_EQ(Deterministic(back), bytes);
-  EXPECT_EQ(back.value().array_data().int16_content().int16_content(0), -7);
-  ASSERT_EQ(back.nodes_size(), 2);
-  EXPECT_EQ(back.nodes(0).map_type().map_data().at("time").value_type().scalar_data().timepoint_content().seconds_content(),
-            1700000000);
-  EXPECT_EQ(back.named().at("a").scalar_data().double_content(), -0.5);
-  EXPECT_EQ(back.named().at("\xC3\xBC").array_data().duration_content().chrono_content(0).fractional_content(), 3u);
 
   // The generated code writes our message exactly as our class writes itself.
   Snapshot only;
@@ -67,35 +50,6 @@ TEST(Downstream, FilledMessageRoundTripsThroughBytes) {
   ASSERT_LT(s.value().ByteSizeLong(), 128u);
   EXPECT_EQ(only.SerializeAsString(),
             "\x12" + std::string(1, static_cast<char>(s.value().ByteSizeLong())) + s.value().SerializeAsString());
-}
-
-TEST(Downstream, ReflectionReachesOurMessagesInside) {
-  Snapshot s;
-  Fill(&s);
-  const pb::FieldDescriptor* named = Field("named");
-  const pb::FieldDescriptor* value = named->message_type()->map_value();
-  EXPECT_EQ(value->message_type(), KVariant::descriptor());
-  EXPECT_EQ(Field("nodes")->message_type(), PropertyNode::descriptor());
-
-  const pb::Reflection* r = s.GetReflection();
-  EXPECT_EQ(r->MutableMessage(&s, Field("value")), s.mutable_value());
-  auto* node = dynamic_cast<PropertyNode*>(r->AddMessage(&s, Field("nodes")));
-  ASSERT_NE(node, nullptr);
-  node->mutable_value_type()->set_wellknowntype("added");
-  EXPECT_EQ(s.nodes(2).value_type().wellknowntype(), "added");
-  pb::Message* entry = r->AddMessage(&s, named);
-  entry->GetReflection()->SetString(entry, named->message_type()->map_key(), "new");
-  auto* variant = dynamic_cast<KVariant*>(entry->GetReflection()->MutableMessage(entry, value));
-  ASSERT_NE(variant, nullptr);
-  variant->mutable_scalar_data()->set_bool_content(true);
-  EXPECT_TRUE(s.named().at("new").scalar_data().bool_content());
-
-  std::unique_ptr<pb::Message> copy(s.New());
-  copy->CopyFrom(s);
-  EXPECT_TRUE(MessageDifferencer::Equals(*copy, s));
-  r->ClearField(&s, Field("value"));
-  EXPECT_FALSE(s.has_value());
-  EXPECT_FALSE(MessageDifferencer::Equals(*copy, s));
 }
 
 TEST(Downstream, ArenaMessagesHoldOurs) {
@@ -110,8 +64,13 @@ TEST(Downstream, ArenaMessagesHoldOurs) {
   copied->CopyFrom(heap);
   EXPECT_EQ(Deterministic(*copied), bytes);
 
+  // Reflection hands out our classes for our types, as elements and as map values.
   const pb::Reflection* r = copied->GetReflection();
   dynamic_cast<PropertyNode&>(*r->AddMessage(copied, Field("nodes"))).mutable_list_type()->add_list_data();
+  pb::Message* entry = r->AddMessage(copied, Field("named"));
+  entry->GetReflection()->SetString(entry, entry->GetDescriptor()->map_key(), "z");
+  dynamic_cast<KVariant&>(*entry->GetReflection()->MutableMessage(entry, entry->GetDescriptor()->map_value())) =
+      heap.value();
   auto* adopted = new KVariant;
   adopted->mutable_scalar_data()->set_int64_content(-1);
   copied->set_allocated_value(adopted);
@@ -120,7 +79,6 @@ TEST(Downstream, ArenaMessagesHoldOurs) {
   ASSERT_NE(released, nullptr);
   EXPECT_EQ(released->scalar_data().int64_content(), -1);
   EXPECT_FALSE(copied->has_value());
-  (*copied->mutable_named())["z"] = heap.value();
   copied->mutable_named()->erase("a");
 
   Snapshot back;
