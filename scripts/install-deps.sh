@@ -2,8 +2,11 @@
 # Installs what MavProtobuf needs to build, test and benchmark on Debian 12.
 set -euo pipefail
 run() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
-packages=(cmake g++ make libprotobuf-dev protobuf-compiler libprotoc-dev
-          libgtest-dev libgmock-dev libbenchmark-dev)
+packages=(cmake g++ make pkg-config dpkg-dev file
+          libprotobuf-dev protobuf-compiler libprotoc-dev
+          libgtest-dev libgmock-dev libbenchmark-dev
+          libsimdjson-dev libcli11-dev
+          clang-14 libclang-rt-14-dev)
 missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" ||
