@@ -1,0 +1,145 @@
+// Shapes, orders and the element count of stored arrays.
+#include <climits>
+
+#include "values_internal.h"
+
+namespace Tarnwick {
+namespace MavProtobuf {
+
+using values_internal::Fail;
+using values_internal::Where;
+
+void Shape::Assign(const uint32_t* extents, size_t rank) {
+  if (rank > kMaxRank) {
+    Fail("rank " + std::to_string(rank) + " exceeds the maximum of " + std::to_string(kMaxRank));
+  }
+  std::copy(extents, extents + rank, extents_.begin());
+  rank_ = rank;
+}
+
+uint64_t Shape::ElementCount() const {
+  uint64_t count = 1;
+  for (uint32_t extent : *this) {
+    if (__builtin_mul_overflow(count, uint64_t{extent}, &count)) {
+      Fail("shape " + ToString() + " holds more than 2^64 elements");
+    }
+  }
+  return count;
+}
+
+std::string Shape::ToString() const {
+  if (empty()) return "()";
+  std::string text;
+  for (uint32_t extent : *this) {
+    if (!text.empty()) text += 'x';
+    text += std::to_string(extent);
+  }
+  return text;
+}
+
+size_t StoredElementCount(const ArrayDataUnion& array) {
+  const std::optional<Kind> kind = KindOf(array);
+  if (!kind) return 0;
+  return VisitKind(*kind, [&](auto tag) -> size_t {
+    using Tr = detail::Traits<typename decltype(tag)::type>;
+    if constexpr (Tr::storage == detail::Storage::kBytes) {
+      return Tr::Bytes(array).size();
+    } else if constexpr (Tr::storage == detail::Storage::kComplex) {
+      return static_cast<size_t>(Tr::Values(array).size()) / 2;
+    } else {
+      return static_cast<size_t>(Tr::Values(array).size());
+    }
+  });
+}
+
+std::optional<Order> ParseOrder(std::string_view letter) {
+  if (letter == "C") return Order::kC;
+  if (letter == "F") return Order::kF;
+  return std::nullopt;
+}
+
+namespace values_internal {
+
+Shape StoredShape(const ArrayDataUnion& array) {
+  if (array.dimensions_size() == 0) {
+    const size_t count = StoredElementCount(array);
+    return Shape{static_cast<uint32_t>(std::min<size_t>(count, UINT32_MAX))};
+  }
+  return Shape(array.dimensions());
+}
+
+std::optional<Order> StoredOrder(const ArrayDataUnion& array) {
+  if (array.dataorder().empty()) return Order::kC;
+  return ParseOrder(array.dataorder());
+}
+
+}  // namespace values_internal
+
+Shape ShapeOf(const KVariant& value) {
+  if (FormOf(value) != Form::kArray) return Shape();
+  return values_internal::StoredShape(value.array_data());
+}
+
+bool ShapeMatches(const KVariant& value) {
+  if (FormOf(value) != Form::kArray) return true;
+  const ArrayDataUnion& array = value.array_data();
+  if (array.has_complexfloat_content() && array.complexfloat_content().float_content_size() % 2 != 0) {
+    return false;
+  }
+  if (array.has_complexdouble_content() &&
+      array.complexdouble_content().double_content_size() % 2 != 0) {
+    return false;
+  }
+  if (array.dimensions_size() == 0) return StoredElementCount(array) <= UINT32_MAX;
+  uint64_t count = 1;
+  for (uint32_t extent : array.dimensions()) {
+    if (__builtin_mul_overflow(count, uint64_t{extent}, &count)) return false;
+  }
+  return count == StoredElementCount(array);
+}
+
+namespace detail {
+
+void CheckArrayCount(const Shape& shape, size_t count, size_t stored_per_element) {
+  if (shape.empty()) Fail("an array needs at least one dimension");
+  const uint64_t expected = shape.ElementCount();
+  if (expected != count) {
+    Fail("shape " + shape.ToString() + " holds " + std::to_string(expected) + " elements but " +
+         std::to_string(count) + " were given");
+  }
+  if (count > static_cast<size_t>(INT_MAX) / stored_per_element) {
+    Fail(std::to_string(count) + " elements exceed what one array can store");
+  }
+}
+
+void WriteShape(ArrayDataUnion& array, const Shape& shape, Order order) {
+  protobuf::RepeatedField<uint32_t>* dimensions = array.mutable_dimensions();
+  dimensions->Clear();
+  dimensions->Add(shape.begin(), shape.end());
+  const char letter = OrderLetter(order);
+  array.set_dataorder(&letter, 1);
+}
+
+const ArrayDataUnion& RequireArray(const KVariant& value, Kind kind, std::string_view path,
+                                   Shape* shape, Order* order) {
+  if (FormOf(value) != Form::kArray || KindOf(value) != kind) {
+    ThrowKindMismatch(path, kind, Form::kArray, value);
+  }
+  const ArrayDataUnion& array = value.array_data();
+  if (!ShapeMatches(value)) {
+    Fail(Where(path) + "shape " + Shape(array.dimensions()).ToString() +
+         " does not match the " + std::to_string(StoredElementCount(array)) +
+         " elements stored (complex arrays store two parts per element)");
+  }
+  const std::optional<Order> stored_order = values_internal::StoredOrder(array);
+  if (!stored_order) {
+    Fail(Where(path) + "unknown data order '" + array.dataorder() + "' (expected 'C' or 'F')");
+  }
+  *shape = values_internal::StoredShape(array);
+  *order = *stored_order;
+  return array;
+}
+
+}  // namespace detail
+}  // namespace MavProtobuf
+}  // namespace Tarnwick
