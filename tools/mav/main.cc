@@ -1,9 +1,77 @@
 // mav: looks at, checks and converts property trees on disk.
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
+#include <functional>
+
+#include "MavValues.h"
+#include "commands.h"
+#include "failure.h"
+
+namespace {
+
+using mav_tool::Request;
+
+// Usage errors exit with 2 and show the usage; CLI11's own codes do not.
+constexpr int kUsageError = 2;
+constexpr int kFailure = 1;
+
+}  // namespace
+
 int main(int argc, char** argv) {
-  CLI::App app{"Shows, checks and converts MavProtobuf property trees.", "mav"};
+  CLI::App app{"Shows, checks and converts MavProtobuf property trees (files of serialized PropertyNode).", "mav"};
   app.set_version_flag("--version", "mav " MAV_VERSION);
-  CLI11_PARSE(app, argc, argv);
-  return 0;
+  app.require_subcommand(1);
+  app.footer("FILE may be - for standard input. Output goes to standard output unless -o names a file.");
+
+  Request request;
+  std::function<void(const Request&)> command;
+  const auto add = [&](const char* name, const char* description, void (*run)(const Request&), const char* input) {
+    CLI::App* sub = app.add_subcommand(name, description);
+    sub->add_option("FILE", request.file, input)->required();
+    sub->add_option("-o,--output", request.output, "Write to this file instead of standard output (complete or not at all)");
+    sub->add_flag("--delimited", request.delimited,
+                  std::string(name) == "encode" || std::string(name) == "json"
+                      ? "A sequence of length-delimited records, as JSON Lines on the JSON side"
+                      : "A sequence of length-delimited records, each handled in turn");
+    sub->callback([&command, run] { command = run; });
+    return sub;
+  };
+  const char* kTree = "A serialized PropertyNode";
+  CLI::App* show = add("show", "Print the tree indented, each leaf with its kind, shape and value", mav_tool::Show, kTree);
+  show->add_option("--depth", request.depth, "Show this many levels below the starting node")->check(CLI::PositiveNumber);
+  show->add_option("--path", request.path, "Start at this node, e.g. calibration/gain or roi/2");
+  CLI::App* get = add("get", "Print one value plainly, for scripts (exit 1 if the path is missing)", mav_tool::Get, kTree);
+  get->add_option("PATH", request.path, "Keys and list indices joined by /")->required();
+  add("json", "Print the natural JSON form", mav_tool::Json, kTree);
+  add("encode", "Turn the natural JSON form into deterministic wire bytes", mav_tool::Encode, "A JSON file");
+  add("text", "Print the runtime's text format", mav_tool::Text, kTree);
+  add("check", "Parse, then count nodes, leaves and bytes per kind (exit 1 if not valid)", mav_tool::Check, kTree);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::CallForAllHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::CallForVersion& e) {
+    return app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    std::fprintf(stderr, "mav: %s\n", e.what());
+    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    std::fputs((chosen.empty() ? app.help() : chosen.front()->help()).c_str(), stderr);
+    return kUsageError;
+  }
+
+  try {
+    command(request);
+    return 0;
+  } catch (const mav_tool::Failure& failure) {
+    std::fprintf(stderr, "mav: %s: %s\n", failure.file().c_str(), failure.what());
+  } catch (const Tarnwick::MavProtobuf::ValueError& error) {
+    std::fprintf(stderr, "mav: %s: %s\n", mav_tool::DisplayName(request.file).c_str(), error.what());
+  } catch (const std::bad_alloc&) {
+    std::fprintf(stderr, "mav: %s: not enough memory\n", mav_tool::DisplayName(request.file).c_str());
+  }
+  return kFailure;
 }

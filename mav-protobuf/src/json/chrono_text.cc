@@ -41,7 +41,7 @@ void CivilFromDays(int64_t days, int64_t* year, unsigned* month, unsigned* day) 
 // ".25" for 250000000 ns; nothing for 0.
 void AppendFraction(uint64_t nanos, std::string* text) {
   if (nanos == 0) return;
-  char digits[11];
+  char digits[24];
   std::snprintf(digits, sizeof(digits), ".%09llu", static_cast<unsigned long long>(nanos));
   std::string_view fraction(digits);
   while (fraction.back() == '0') fraction.remove_suffix(1);

@@ -1,0 +1,112 @@
+#include "records.h"
+
+#include <google/protobuf/io/coded_stream.h>
+#include <google/protobuf/io/zero_copy_stream_impl_lite.h>
+#include <google/protobuf/stubs/logging.h>
+#include <google/protobuf/util/delimited_message_util.h>
+#include <google/protobuf/wire_format_lite.h>
+
+#include "failure.h"
+#include "progress.h"
+
+namespace mav_tool {
+namespace {
+
+namespace io = google::protobuf::io;
+using google::protobuf::internal::WireFormatLite;
+
+// Hands out the input a megabyte at a time, moving the progress bar.
+class ProgressStream : public io::ZeroCopyInputStream {
+ public:
+  ProgressStream(std::string_view bytes, Progress* progress)
+      : array_(bytes.data(), static_cast<int>(std::min<size_t>(bytes.size(), INT32_MAX)), 1 << 20),
+        progress_(*progress) {}
+  bool Next(const void** data, int* size) override {
+    const bool more = array_.Next(data, size);
+    progress_.Update(static_cast<uint64_t>(array_.ByteCount()));
+    return more;
+  }
+  void BackUp(int count) override { array_.BackUp(count); }
+  bool Skip(int count) override { return array_.Skip(count); }
+  int64_t ByteCount() const override { return array_.ByteCount(); }
+
+ private:
+  io::ArrayInputStream array_;
+  Progress& progress_;
+};
+
+// What the runtime logs while parsing (a map key that is not UTF-8) becomes
+// the reason of the failure instead of a second line on standard error.
+class LogCapture {
+ public:
+  LogCapture() : previous_(google::protobuf::SetLogHandler(&Record)) { Last().clear(); }
+  ~LogCapture() { google::protobuf::SetLogHandler(previous_); }
+  static std::string& Last() {
+    static std::string last;
+    return last;
+  }
+
+ private:
+  static void Record(google::protobuf::LogLevel, const char*, int, const std::string& message) { Last() = message; }
+  google::protobuf::LogHandler* previous_;
+};
+
+std::string ParseProblem(const char* what) {
+  const std::string& logged = LogCapture::Last();
+  if (logged.find("UTF-8") != std::string::npos) return std::string(what) + " has a map key that is not valid UTF-8";
+  return std::string(what) + " is not a valid property tree (truncated or not a tree)";
+}
+
+// A tree's own bytes hold one member of its oneof; a second one means
+// several trees were joined, which a parse would silently merge.
+size_t TopLevelMembers(std::string_view bytes) {
+  io::CodedInputStream stream(reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<int>(bytes.size()));
+  size_t members = 0;
+  while (const uint32_t tag = stream.ReadTag()) {
+    const int field = WireFormatLite::GetTagFieldNumber(tag);
+    if (field >= 1 && field <= 3 && WireFormatLite::GetTagWireType(tag) == WireFormatLite::WIRETYPE_LENGTH_DELIMITED)
+      ++members;
+    if (!WireFormatLite::SkipField(&stream, tag)) break;
+  }
+  return members;
+}
+
+}  // namespace
+
+void ForEachTree(const Input& input, bool delimited, const std::function<void(PropertyNode&, size_t)>& visit) {
+  const std::string_view bytes = input.bytes();
+  Progress progress("mav: reading " + input.name(), bytes.size());
+  ProgressStream stream(bytes, &progress);
+  LogCapture log;
+  PropertyNode tree;
+  if (!delimited) {
+    if (!tree.ParseFromZeroCopyStream(&stream)) throw Failure(input.name(), ParseProblem("the input"));
+    if (TopLevelMembers(bytes) > 1)
+      throw Failure(input.name(), "holds several trees one after another (joined files?); a sequence of records needs --delimited");
+    return visit(tree, 0);
+  }
+  for (size_t record = 0;; ++record) {
+    bool clean_end = false;
+    tree.Clear();
+    if (!google::protobuf::util::ParseDelimitedFromZeroCopyStream(&tree, &stream, &clean_end)) {
+      if (clean_end) return;
+      throw Failure(input.name(), ParseProblem(("record " + std::to_string(record)).c_str()));
+    }
+    visit(tree, record);
+  }
+}
+
+std::string TreeBytes(const PropertyNode& tree, bool delimited) {
+  std::string bytes;
+  {
+    io::StringOutputStream out(&bytes);
+    io::CodedOutputStream coded(&out);
+    coded.SetSerializationDeterministic(true);
+    const size_t size = tree.ByteSizeLong();  // also caches the sizes the writer uses
+    if (delimited) coded.WriteVarint32(static_cast<uint32_t>(size));
+    tree.SerializeWithCachedSizes(&coded);
+  }
+  return bytes;
+}
+
+}  // namespace mav_tool
