@@ -105,6 +105,11 @@ TEST(ValuesArrays, ACountThatIsNotTheShapesProductWritesNothing) {
   ExpectRefused([&] { SetArray(variant, six.data(), six.size(), {1, 2, 4}); }, {"8 elements"});
   EXPECT_TRUE(Equal(variant, before));
   EXPECT_EQ(FormOf(variant), Form::kScalar);
+
+  PropertyNode node;
+  Child(node, "kept");
+  EXPECT_THROW(SetArray(node, six, {5}), ValueError);
+  EXPECT_TRUE(node.has_map_type()) << "a refused array replaced the node's map";
 }
 
 TEST(ValuesNarrow, StoredValuesOutsideTheAskedRangeAreRefused) {

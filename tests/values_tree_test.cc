@@ -83,13 +83,18 @@ TEST(ValuesTree, ChildrenAreCreatedOnlyWhereTheNodeAllowsIt) {
   EXPECT_THROW(Child(list, size_t{3}), ValueError);
   EXPECT_THROW(Child(list, "key"), ValueError);
   EXPECT_THROW(Child(root, size_t{0}), ValueError);
+  PropertyNode& empty = Child(root, "empty");
+  EXPECT_THROW(Child(empty, size_t{1}), ValueError);
+  EXPECT_EQ(empty.type_case(), PropertyNode::TYPE_NOT_SET) << "a refused index changed the node";
+  SetLeaf(Child(root, "empty"), "", 1.0);
+  EXPECT_EQ(Find(root, "empty/"), &At(root, "empty").map_type().map_data().at(""));
 
   PropertyNode& leaf = SetLeaf(root, "leaf", 1.0);
   EXPECT_THROW(Child(leaf, "x"), ValueError);
   EXPECT_TRUE(leaf.has_value_type());
 
   EXPECT_THROW(Child(root, std::string("bad\xFF", 4)), ValueError);
-  EXPECT_EQ(root.map_type().map_data_size(), 2) << "a refused key was inserted";
+  EXPECT_EQ(root.map_type().map_data_size(), 3) << "a refused key was inserted";
   EXPECT_NO_THROW(Child(root, "gr\xC3\xBC\xC3\x9F"));
 }
 

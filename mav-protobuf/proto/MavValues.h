@@ -536,10 +536,10 @@ using IfSource = IfTarget<Source>;
 template <typename T>
 using ElementOf = Plain<decltype(*std::data(std::declval<const T&>()))>;
 
+// The caller has checked the count (CheckArrayCount).
 template <typename Fraction, typename T>
 void WriteArray(KVariant& value, const T* data, size_t count, const Shape& shape, Order order) {
   using Tr = Traits<T>;
-  CheckArrayCount(shape, count, Tr::storage == Storage::kComplex ? 2 : 1);
   ArrayDataUnion& array = *value.mutable_array_data();
   const int n = static_cast<int>(count);
   if constexpr (Tr::storage == Storage::kPacked || Tr::storage == Storage::kComplex) {
@@ -726,8 +726,9 @@ template <typename Fraction = std::nano, typename Target, typename T,
           typename = detail::IfTarget<Target>>
 void SetArray(Target& target, const T* data, size_t count, const Shape& shape,
               Order order = Order::kC) {
-  detail::WriteArray<Fraction, std::remove_cv_t<T>>(detail::MutableVariant(target), data, count,
-                                                   shape, order);
+  using V = std::remove_cv_t<T>;
+  detail::CheckArrayCount(shape, count, detail::Traits<V>::storage == detail::Storage::kComplex ? 2 : 1);
+  detail::WriteArray<Fraction, V>(detail::MutableVariant(target), data, count, shape, order);
 }
 // From any contiguous container (std::vector, std::array, std::span, ...).
 template <typename Fraction = std::nano, typename Target, typename Container,
@@ -854,8 +855,9 @@ Array<T> ReadArray(const PropertyNode& root, std::string_view path) {
 // Trees
 //
 // A path is the keys and list indices from a node down, joined by '/':
-// "calibration/gain", "roi/2". In a key, '~' is written "~0" and '/' "~1";
-// the empty path is the node itself.
+// "calibration/gain", "roi/2". In a key, '~' is written "~0" and '/' "~1".
+// The empty path is the node itself (so an empty key directly under the
+// node has no path of its own; deeper, "a//b" and "a/" name empty keys).
 
 // The child under `key`, created empty if missing. An empty node becomes a
 // map; a node holding a list or a value, and a key that is not valid UTF-8,

@@ -80,16 +80,21 @@ Shape ShapeOf(const KVariant& value) {
   return values_internal::StoredShape(value.array_data());
 }
 
+namespace {
+
+// A complex array whose parts do not pair up.
+bool HasHalfElement(const ArrayDataUnion& array) {
+  if (array.has_complexfloat_content()) return array.complexfloat_content().float_content_size() % 2 != 0;
+  if (array.has_complexdouble_content()) return array.complexdouble_content().double_content_size() % 2 != 0;
+  return false;
+}
+
+}  // namespace
+
 bool ShapeMatches(const KVariant& value) {
   if (FormOf(value) != Form::kArray) return true;
   const ArrayDataUnion& array = value.array_data();
-  if (array.has_complexfloat_content() && array.complexfloat_content().float_content_size() % 2 != 0) {
-    return false;
-  }
-  if (array.has_complexdouble_content() &&
-      array.complexdouble_content().double_content_size() % 2 != 0) {
-    return false;
-  }
+  if (HasHalfElement(array)) return false;
   if (array.dimensions_size() == 0) return StoredElementCount(array) <= UINT32_MAX;
   uint64_t count = 1;
   for (uint32_t extent : array.dimensions()) {

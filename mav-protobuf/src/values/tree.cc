@@ -13,11 +13,8 @@ using values_internal::Fail;
 
 namespace {
 
-// The next step of a path, unescaped; `rest` moves past it.
-std::string NextStep(std::string_view* rest) {
-  const size_t slash = rest->find('/');
-  const std::string_view raw = rest->substr(0, slash);
-  *rest = slash == std::string_view::npos ? std::string_view() : rest->substr(slash + 1);
+// One step of a path with "~0" and "~1" turned back into '~' and '/'.
+std::string Unescape(std::string_view raw) {
   std::string step;
   step.reserve(raw.size());
   for (size_t i = 0; i < raw.size(); ++i) {
@@ -65,9 +62,13 @@ const PropertyNode* Step(const PropertyNode& node, const std::string& step, std:
 
 const PropertyNode* Walk(const PropertyNode& root, std::string_view path, std::string* why) {
   const PropertyNode* node = &root;
-  std::string_view rest = path;
-  while (node != nullptr && !rest.empty()) {
-    node = Step(*node, NextStep(&rest), why);
+  if (path.empty()) return node;
+  size_t start = 0;
+  while (node != nullptr) {
+    const size_t slash = path.find('/', start);
+    node = Step(*node, Unescape(path.substr(start, slash - start)), why);
+    if (slash == std::string_view::npos) break;
+    start = slash + 1;
   }
   return node;
 }
@@ -88,13 +89,12 @@ PropertyNode& Child(PropertyNode& node, size_t index) {
   if (!node.has_list_type() && node.type_case() != PropertyNode::TYPE_NOT_SET) {
     Fail("cannot index " + Describe(node));
   }
-  PropertyList& list = *node.mutable_list_type();
-  const size_t size = static_cast<size_t>(list.list_data_size());
-  if (index == size) return *list.add_list_data();
+  const size_t size = static_cast<size_t>(node.list_type().list_data_size());
   if (index > size) {
     Fail("index " + std::to_string(index) + " is past the end of a list of " + std::to_string(size));
   }
-  return *list.mutable_list_data(static_cast<int>(index));
+  PropertyList& list = *node.mutable_list_type();
+  return index == size ? *list.add_list_data() : *list.mutable_list_data(static_cast<int>(index));
 }
 
 PropertyNode& Append(PropertyNode& node) {
