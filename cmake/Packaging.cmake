@@ -30,6 +30,11 @@ set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME mav-tools)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
+# The tool's dependency on our own library comes from the component
+# dependency below; dpkg-shlibdeps only needs to find the library to read the
+# rest.
+get_target_property(MAV_LIBRARY_DIR MavProtobuf BINARY_DIR)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${MAV_LIBRARY_DIR})
 set(CPACK_COMPONENT_TOOL_DEPENDS runtime)
 set(CPACK_COMPONENT_TOOL_DESCRIPTION "mav: show, check and convert MavProtobuf property trees")
 

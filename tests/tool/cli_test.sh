@@ -1,0 +1,74 @@
+#!/usr/bin/env bash
+# The mav tool end to end, through the real binary: exit codes, the one-line
+# messages, -o that leaves nothing behind on failure, and pipes.
+# Usage: cli_test.sh MAV SAMPLE WORK_DIR
+set -uo pipefail
+mav=$1 sample=$2 work=$3
+rm -rf "$work" && mkdir -p "$work" && cd "$work" || exit 1
+failures=0
+
+# expect STATUS STDERR_PATTERN COMMAND...: the exit status is STATUS and the
+# standard error matches the pattern (is empty for an empty pattern, and is
+# one line when the status is 1).
+expect() {
+  local status=$1 pattern=$2
+  shift 2
+  "$@" >stdout 2>stderr
+  local got=$?
+  if [ "$got" -ne "$status" ] || { [ -n "$pattern" ] && ! grep -qE -- "$pattern" stderr; } ||
+     { [ -z "$pattern" ] && [ -s stderr ]; } ||
+     { [ "$status" -eq 1 ] && [ "$(wc -l <stderr)" -ne 1 ]; }; then
+    echo "FAILED: $* -> status $got, stderr: $(cat stderr)"
+    failures=$((failures + 1))
+  fi
+}
+fail() { echo "FAILED: $*"; failures=$((failures + 1)); }
+
+expect 1 "^mav: missing.mav: No such file or directory$" "$mav" show missing.mav
+expect 1 "^mav: \.: is a directory" "$mav" show .
+: >empty.mav
+expect 0 "" "$mav" show empty.mav
+grep -q "empty tree" stdout || fail "an empty input shows as an empty tree"
+head -c 200 "$sample" >truncated.mav
+expect 1 "^mav: truncated.mav: .*not a valid property tree" "$mav" check truncated.mav
+cat "$sample" "$sample" >joined.mav
+expect 1 "^mav: joined.mav: holds several trees" "$mav" show joined.mav
+expect 2 "FILE is required" "$mav" show
+expect 2 "A subcommand is required" "$mav"
+expect 2 "depth" "$mav" show "$sample" --depth 0
+expect 0 "" "$mav" --help
+grep -q "Subcommands" stdout || fail "--help prints the usage"
+expect 0 "" "$mav" --version
+grep -q "^mav [0-9]" stdout || fail "--version prints the version"
+
+# Failures with -o leave neither the target nor a temporary file.
+printf '{"a": [1,\n  2' >malformed.json
+expect 1 "^mav: malformed.json: line 2, column [0-9]+: " "$mav" encode malformed.json -o out.mav
+printf '{"a": {"$uint8": 256}}' >range.json
+expect 1 "^mav: range.json: line 1, column 18: 256 is out of range for uint8" "$mav" encode range.json -o out.mav
+[ -z "$(ls -A | grep -E '^(out\.mav|\.out)')" ] || fail "a failed -o left a file behind"
+echo old >kept.mav
+expect 1 "truncated.mav" "$mav" json truncated.mav -o kept.mav
+[ "$(cat kept.mav)" = old ] || fail "a failed -o changed the existing target"
+
+# Pipes: binary to JSON to binary through stdin and stdout, byte for byte.
+"$mav" json - <"$sample" | "$mav" encode - | cmp -s - "$sample" || fail "json | encode does not give the sample back"
+"$mav" json "$sample" -o sample.json && "$mav" encode sample.json -o again.mav && cmp -s again.mav "$sample" ||
+  fail "json -o then encode -o does not give the sample back"
+
+# Records: two trees as JSON Lines, encoded delimited, then read back.
+printf '{"n": 1.0}\n\n{"n": {"$int32": 2}}\n' >records.jsonl
+"$mav" encode --delimited records.jsonl -o records.mav || fail "encode --delimited"
+[ "$("$mav" json --delimited records.mav)" = $'{"n":1.0}\n{"n":{"$int32":2}}' ] || fail "json --delimited writes JSON Lines"
+[ "$("$mav" show --delimited records.mav | grep -c '^record ')" = 2 ] || fail "show --delimited shows each record"
+printf '{"n": 1.0}\n{"n": }\n' >bad.jsonl
+expect 1 "^mav: bad.jsonl: line 2, column" "$mav" encode --delimited bad.jsonl
+
+# get: plain values for scripts, exit 1 for a missing path.
+[ "$("$mav" get "$sample" gain)" = 4 ] || fail "get prints a scalar plainly"
+expect 1 "^mav: .*: nothing at the path \"no/such\"$" "$mav" get "$sample" no/such
+expect 0 "" "$mav" check "$sample"
+grep -q "valid" stdout && grep -q "uint16" stdout || fail "check reports the kinds"
+
+[ "$failures" -eq 0 ] || { echo "$failures failure(s)"; exit 1; }
+echo "all passed"
