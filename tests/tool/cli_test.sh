@@ -3,7 +3,7 @@
 # messages, -o that leaves nothing behind on failure, and pipes.
 # Usage: cli_test.sh MAV SAMPLE WORK_DIR
 set -uo pipefail
-mav=$1 sample=$2 work=$3
+mav=$(realpath "$1") sample=$(realpath "$2") work=$3
 rm -rf "$work" && mkdir -p "$work" && cd "$work" || exit 1
 failures=0
 
@@ -33,6 +33,9 @@ head -c 200 "$sample" >truncated.mav
 expect 1 "^mav: truncated.mav: .*not a valid property tree" "$mav" check truncated.mav
 cat "$sample" "$sample" >joined.mav
 expect 1 "^mav: joined.mav: holds several trees" "$mav" show joined.mav
+truncate -s 3G huge.mav  # sparse: nothing is written
+expect 1 "^mav: huge.mav: 3.0 GiB is over the 2 GiB limit" "$mav" show huge.mav
+rm -f huge.mav
 expect 2 "FILE is required" "$mav" show
 expect 2 "A subcommand is required" "$mav"
 expect 2 "depth" "$mav" show "$sample" --depth 0

@@ -6,6 +6,8 @@
 #include <google/protobuf/util/delimited_message_util.h>
 #include <google/protobuf/wire_format_lite.h>
 
+#include <algorithm>
+
 #include "failure.h"
 #include "progress.h"
 
@@ -15,23 +17,33 @@ namespace {
 namespace io = google::protobuf::io;
 using google::protobuf::internal::WireFormatLite;
 
-// Hands out the input a megabyte at a time, moving the progress bar.
+// Hands out the input a megabyte at a time, moving the progress bar. Unlike
+// the runtime's array stream it counts past 2 GiB, which a file of records
+// may hold.
 class ProgressStream : public io::ZeroCopyInputStream {
  public:
-  ProgressStream(std::string_view bytes, Progress* progress)
-      : array_(bytes.data(), static_cast<int>(std::min<size_t>(bytes.size(), INT32_MAX)), 1 << 20),
-        progress_(*progress) {}
+  ProgressStream(std::string_view bytes, Progress* progress) : bytes_(bytes), progress_(*progress) {}
   bool Next(const void** data, int* size) override {
-    const bool more = array_.Next(data, size);
-    progress_.Update(static_cast<uint64_t>(array_.ByteCount()));
-    return more;
+    if (position_ == bytes_.size()) return false;
+    const size_t chunk = std::min(kChunk, bytes_.size() - position_);
+    *data = bytes_.data() + position_;
+    *size = static_cast<int>(chunk);
+    position_ += chunk;
+    progress_.Update(position_);
+    return true;
   }
-  void BackUp(int count) override { array_.BackUp(count); }
-  bool Skip(int count) override { return array_.Skip(count); }
-  int64_t ByteCount() const override { return array_.ByteCount(); }
+  void BackUp(int count) override { position_ -= static_cast<size_t>(count); }
+  bool Skip(int count) override {
+    const size_t skipped = std::min(static_cast<size_t>(count), bytes_.size() - position_);
+    position_ += skipped;
+    return skipped == static_cast<size_t>(count);
+  }
+  int64_t ByteCount() const override { return static_cast<int64_t>(position_); }
 
  private:
-  io::ArrayInputStream array_;
+  static constexpr size_t kChunk = size_t{1} << 20;
+  std::string_view bytes_;
+  size_t position_ = 0;
   Progress& progress_;
 };
 
