@@ -46,41 +46,31 @@ PropertyNode Tree() {
   return root;
 }
 
-void W1ToJson(benchmark::State& state) {
-  const KVariant image = Image();
-  for (auto _ : state) benchmark::DoNotOptimize(ToJson(image));
-  state.counters["ns_per_element"] = benchmark::Counter(
-      static_cast<double>(state.iterations() * kSide * kSide), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+// Writes `message` to JSON, or reads it back, once per iteration, counting
+// `units` per pass.
+template <typename Message>
+void ToJsonPasses(benchmark::State& state, const Message& message, size_t units, const char* counter) {
+  for (auto _ : state) benchmark::DoNotOptimize(ToJson(message));
+  state.counters[counter] = benchmark::Counter(static_cast<double>(state.iterations() * units),
+                                               benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-void W1FromJson(benchmark::State& state) {
-  const std::string json = ToJson(Image());
-  KVariant image;
+template <typename Message>
+void FromJsonPasses(benchmark::State& state, const Message& message, size_t units, const char* counter) {
+  const std::string json = ToJson(message);
+  Message read;
   for (auto _ : state) {
-    if (!FromJson(json, &image)) state.SkipWithError("the image does not read back");
-    benchmark::DoNotOptimize(image);
+    if (!FromJson(json, &read)) state.SkipWithError("the JSON does not read back");
+    benchmark::DoNotOptimize(read);
   }
-  state.counters["ns_per_element"] = benchmark::Counter(
-      static_cast<double>(state.iterations() * kSide * kSide), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+  state.counters[counter] = benchmark::Counter(static_cast<double>(state.iterations() * units),
+                                               benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-void W3ToJson(benchmark::State& state) {
-  const PropertyNode tree = Tree();
-  for (auto _ : state) benchmark::DoNotOptimize(ToJson(tree));
-  state.counters["ns_per_leaf"] = benchmark::Counter(static_cast<double>(state.iterations() * kGroups * kLeaves),
-                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-}
-
-void W3FromJson(benchmark::State& state) {
-  const std::string json = ToJson(Tree());
-  PropertyNode tree;
-  for (auto _ : state) {
-    if (!FromJson(json, &tree)) state.SkipWithError("the tree does not read back");
-    benchmark::DoNotOptimize(tree);
-  }
-  state.counters["ns_per_leaf"] = benchmark::Counter(static_cast<double>(state.iterations() * kGroups * kLeaves),
-                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-}
+void W1ToJson(benchmark::State& state) { ToJsonPasses(state, Image(), kSide * kSide, "ns_per_element"); }
+void W1FromJson(benchmark::State& state) { FromJsonPasses(state, Image(), kSide * kSide, "ns_per_element"); }
+void W3ToJson(benchmark::State& state) { ToJsonPasses(state, Tree(), kGroups * kLeaves, "ns_per_leaf"); }
+void W3FromJson(benchmark::State& state) { FromJsonPasses(state, Tree(), kGroups * kLeaves, "ns_per_leaf"); }
 
 BENCHMARK(W1ToJson)->Unit(benchmark::kMillisecond);
 BENCHMARK(W1FromJson)->Unit(benchmark::kMillisecond);

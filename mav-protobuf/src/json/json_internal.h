@@ -64,6 +64,24 @@ std::optional<Chrono> ParseTimePoint(std::string_view text);
 std::optional<Chrono> ParseDuration(std::string_view text);
 
 // Unknown fields of any message, as their wire bytes.
+// The product of an array's extents; nothing for none, or past 64 bits.
+inline std::optional<uint64_t> ExtentProduct(const protobuf::RepeatedField<uint32_t>& extents) {
+  if (extents.empty()) return std::nullopt;
+  uint64_t product = 1;
+  for (uint32_t extent : extents)
+    if (__builtin_mul_overflow(product, uint64_t{extent}, &product)) return std::nullopt;
+  return product;
+}
+
+// The member of a scalar or array union's oneof when it is a message (the
+// complex, time and array messages), which may hold unknown fields of its
+// own.
+inline const protobuf::FieldDescriptor* MessageMember(const protobuf::Message& holder) {
+  const protobuf::FieldDescriptor* member = holder.GetReflection()->GetOneofFieldDescriptor(
+      holder, holder.GetDescriptor()->FindOneofByName("content"));
+  return member != nullptr && member->cpp_type() == protobuf::FieldDescriptor::CPPTYPE_MESSAGE ? member : nullptr;
+}
+
 inline const protobuf::UnknownFieldSet& Unknown(const protobuf::Message& message) {
   return message.GetReflection()->GetUnknownFields(message);
 }

@@ -270,12 +270,9 @@ class Reader {
     if (!tagged.array || !tagged.kind) return;
     if (!tagged.has_data) Refuse(tagged.at, "an array needs its \"data\"");
     if (tagged.shape_at == nullptr) return;
-    const auto& extents = tagged.value->array_data().dimensions();
-    uint64_t product = 1;
-    bool overflow = extents.empty();
-    for (uint32_t extent : extents) overflow |= __builtin_mul_overflow(product, uint64_t{extent}, &product);
-    if (overflow || product != tagged.data_count)
-      Refuse(tagged.shape_at, "the shape holds " + (overflow ? std::string("too many") : std::to_string(product)) +
+    const std::optional<uint64_t> product = ExtentProduct(tagged.value->array_data().dimensions());
+    if (product != tagged.data_count)
+      Refuse(tagged.shape_at, "the shape holds " + (product ? std::to_string(*product) : std::string("too many")) +
                                   " elements, the data " + std::to_string(tagged.data_count));
   }
 
@@ -597,12 +594,8 @@ class Reader {
   // The union's member message, if its kind has one.
   static protobuf::Message* Member(KVariant* value) {
     protobuf::Message* holder = Union(value);
-    if (holder == nullptr) return nullptr;
-    const protobuf::Reflection* reflection = holder->GetReflection();
-    const protobuf::FieldDescriptor* member =
-        reflection->GetOneofFieldDescriptor(*holder, holder->GetDescriptor()->FindOneofByName("content"));
-    if (member == nullptr || member->cpp_type() != protobuf::FieldDescriptor::CPPTYPE_MESSAGE) return nullptr;
-    return reflection->MutableMessage(holder, member);
+    const protobuf::FieldDescriptor* member = holder ? MessageMember(*holder) : nullptr;
+    return member ? holder->GetReflection()->MutableMessage(holder, member) : nullptr;
   }
 
   // ---- simdjson results and locations

@@ -31,14 +31,6 @@ bool AnyOutsideKind(const protobuf::RepeatedField<Stored>& values) {
   return false;
 }
 
-// The product of the extents when it equals `count`.
-bool ShapeFits(const protobuf::RepeatedField<uint32_t>& extents, uint64_t count) {
-  uint64_t product = 1;
-  for (uint32_t extent : extents)
-    if (__builtin_mul_overflow(product, uint64_t{extent}, &product)) return false;
-  return !extents.empty() && product == count;
-}
-
 class Writer {
  public:
   Writer(std::string* out, const JsonOptions& options) : out_(*out), pretty_(options.pretty) {}
@@ -181,7 +173,7 @@ class Writer {
     const bool odd_complex = (kind == Kind::kComplex64 && array.complexfloat_content().float_content_size() % 2) ||
                              (kind == Kind::kComplex128 && array.complexdouble_content().double_content_size() % 2);
     if (array.dimensions_size() > 0) {
-      const bool fits = kind && !odd_complex && ShapeFits(array.dimensions(), count);
+      const bool fits = kind && !odd_complex && ExtentProduct(array.dimensions()) == count;
       Field(fits ? kShapeField : kDimensionsField);
       Numbers(array.dimensions());
     }
@@ -218,12 +210,11 @@ class Writer {
   // have any.
   void ValueUnknowns(const KVariant& value) {
     const protobuf::Message* levels[3] = {&value, nullptr, nullptr};
-    if (value.has_scalar_data()) {
-      levels[1] = &value.scalar_data();
-      levels[2] = ScalarMember(value.scalar_data());
-    } else if (value.has_array_data()) {
-      levels[1] = &value.array_data();
-      levels[2] = ArrayMember(value.array_data());
+    if (value.has_scalar_data()) levels[1] = &value.scalar_data();
+    if (value.has_array_data()) levels[1] = &value.array_data();
+    if (levels[1] != nullptr) {
+      if (const protobuf::FieldDescriptor* member = MessageMember(*levels[1]))
+        levels[2] = &levels[1]->GetReflection()->GetMessage(*levels[1], member);
     }
     static constexpr std::string_view kNames[] = {kVariantLevel, kUnionLevel, kMemberLevel};
     bool open = false;
@@ -240,22 +231,6 @@ class Writer {
       UnknownBase64(*levels[level]);
     }
     if (open) out_ += '}';
-  }
-
-  static const protobuf::Message* ScalarMember(const ScalarDataUnion& scalar) {
-    switch (scalar.content_case()) {
-      case ScalarDataUnion::kComplexFloatContent: return &scalar.complexfloat_content();
-      case ScalarDataUnion::kComplexDoubleContent: return &scalar.complexdouble_content();
-      case ScalarDataUnion::kDurationContent: return &scalar.duration_content();
-      case ScalarDataUnion::kTimePointContent: return &scalar.timepoint_content();
-      default: return nullptr;
-    }
-  }
-
-  static const protobuf::Message* ArrayMember(const ArrayDataUnion& array) {
-    const protobuf::FieldDescriptor* member = array.GetReflection()->GetOneofFieldDescriptor(
-        array, ArrayDataUnion::descriptor()->FindOneofByName("content"));
-    return member ? &array.GetReflection()->GetMessage(array, member) : nullptr;
   }
 
   // Elements of a duration or time point array: text when it has one, else
