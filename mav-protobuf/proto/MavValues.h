@@ -500,6 +500,15 @@ using IfSource = IfTarget<Source>;
 template <typename T>
 using ElementOf = Plain<decltype(*std::data(std::declval<const T&>()))>;
 
+// Empties `field` and hands out `count` elements to overwrite; the storage
+// grows at most once, and old elements are not copied when it does.
+template <typename Element>
+Element* Overwrite(protobuf::RepeatedField<Element>* field, int count) {
+  field->Clear();
+  field->Reserve(count);
+  return field->AddNAlreadyReserved(count);
+}
+
 // The caller has checked the count (CheckArrayCount).
 template <typename Fraction, typename T>
 void WriteArray(KVariant& value, const T* data, size_t count, const Shape& shape, Order order) {
@@ -507,17 +516,10 @@ void WriteArray(KVariant& value, const T* data, size_t count, const Shape& shape
   ArrayDataUnion& array = *value.mutable_array_data();
   const int n = static_cast<int>(count);
   if constexpr (Tr::storage == Storage::kPacked || Tr::storage == Storage::kComplex) {
-    auto* field = Tr::MutableValues(array);
-    const int parts = Tr::storage == Storage::kComplex ? 2 * n : n;
-    field->Clear();
-    field->Reserve(parts);
-    auto* out = field->AddNAlreadyReserved(parts);
+    auto* out = Overwrite(Tr::MutableValues(array), Tr::storage == Storage::kComplex ? 2 * n : n);
     if (count != 0) std::memcpy(out, data, count * sizeof(T));
   } else if constexpr (Tr::storage == Storage::kWidened) {
-    auto* field = Tr::MutableValues(array);
-    field->Clear();
-    field->Reserve(n);
-    auto* out = field->AddNAlreadyReserved(n);
+    auto* out = Overwrite(Tr::MutableValues(array), n);
     for (size_t i = 0; i < count; ++i) out[i] = data[i];
   } else if constexpr (Tr::storage == Storage::kBytes) {
     Tr::MutableValues(array)->assign(reinterpret_cast<const char*>(data), count);
