@@ -497,6 +497,12 @@ using IfTarget = std::enable_if_t<std::is_same_v<Target, KVariant> || std::is_sa
 template <typename Source>
 using IfSource = IfTarget<Source>;
 
+// A one-dimensional shape; a count beyond one axis's reach makes a shape
+// that CheckArrayCount refuses.
+inline Shape OneAxis(size_t count) {
+  return Shape{static_cast<uint32_t>(std::min<size_t>(count, UINT32_MAX))};
+}
+
 template <typename T>
 using ElementOf = Plain<decltype(*std::data(std::declval<const T&>()))>;
 
@@ -703,9 +709,7 @@ template <typename Fraction = std::nano, typename Target, typename Container,
           typename = detail::IfTarget<Target>,
           typename = detail::ElementOf<Container>>
 void SetArray(Target& target, const Container& values) {
-  const size_t count = std::size(values);
-  SetArray<Fraction>(target, std::data(values), count,
-                     Shape{static_cast<uint32_t>(std::min<size_t>(count, UINT32_MAX))});
+  SetArray<Fraction>(target, std::data(values), std::size(values), detail::OneAxis(std::size(values)));
 }
 // std::vector<bool> keeps no contiguous bools.
 template <typename Target, typename = detail::IfTarget<Target>>
@@ -714,6 +718,10 @@ void SetArray(Target& target, const std::vector<bool>& values, const Shape& shap
   const std::unique_ptr<bool[]> copy(new bool[values.size()]);
   std::copy(values.begin(), values.end(), copy.get());
   SetArray(target, copy.get(), values.size(), shape, order);
+}
+template <typename Target, typename = detail::IfTarget<Target>>
+void SetArray(Target& target, const std::vector<bool>& values) {
+  SetArray(target, values, detail::OneAxis(values.size()));
 }
 
 namespace detail {

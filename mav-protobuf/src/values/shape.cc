@@ -56,10 +56,7 @@ std::optional<Order> ParseOrder(std::string_view letter) {
 namespace values_internal {
 
 Shape StoredShape(const ArrayDataUnion& array) {
-  if (array.dimensions_size() == 0) {
-    const size_t count = StoredElementCount(array);
-    return Shape{static_cast<uint32_t>(std::min<size_t>(count, UINT32_MAX))};
-  }
+  if (array.dimensions_size() == 0) return detail::OneAxis(StoredElementCount(array));
   return Shape(array.dimensions());
 }
 
