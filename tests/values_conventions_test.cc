@@ -167,6 +167,8 @@ TEST(ValuesKinds, NamesParseBackAndEachTypeHasOneKind) {
   KVariant variant;
   SetValue(variant, true);
   EXPECT_EQ(KindOf(variant), Kind::kBool);
+  SetArray(variant, std::vector<bool>{true, false, true});
+  EXPECT_EQ(ReadArray<bool>(variant).values, (std::vector<bool>{true, false, true}));
   SetValue(variant, "text");
   EXPECT_EQ(KindOf(variant), Kind::kString);
   SetValue(variant, uint8_t{7});

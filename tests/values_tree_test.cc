@@ -70,6 +70,12 @@ TEST(ValuesTree, PathsReachMapKeysAndListIndices) {
     EXPECT_STREQ(error.what(),
                  "at 'calibration/gain': expected a float64 scalar, found a uint16 scalar");
   }
+  try {
+    ViewArray<double>(root, "calibration");
+    FAIL();
+  } catch (const ValueError& error) {
+    EXPECT_STREQ(error.what(), "at 'calibration': expected a value, found a map");
+  }
 }
 
 TEST(ValuesTree, ChildrenAreCreatedOnlyWhereTheNodeAllowsIt) {

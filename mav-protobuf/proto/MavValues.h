@@ -270,8 +270,10 @@ enum class Storage { kPacked, kWidened, kBytes, kComplex, kText, kChrono };
 template <typename T, typename = void>
 struct Traits;  // no kind for T: the call does not compile
 
-// Numbers kept in a packed field of the same type, or of a wider one.
-#define MAV_VALUES_PACKED_KIND(Type, StoredType, kind_, storage_, stem)                       \
+// Numbers: scalars kept as they are or widened to 32 bits; arrays in a
+// packed field of the same type (kPacked) or a wider one (kWidened), or in a
+// byte string (kBytes).
+#define MAV_VALUES_NUMBER_KIND(Type, StoredType, kind_, storage_, stem)                       \
   template <>                                                                                 \
   struct Traits<Type> {                                                                       \
     static constexpr Kind kind = Kind::kind_;                                                 \
@@ -279,89 +281,51 @@ struct Traits;  // no kind for T: the call does not compile
     using Stored = StoredType;                                                                \
     static Stored Scalar(const ScalarDataUnion& s) { return s.stem##_content(); }             \
     static void SetScalar(ScalarDataUnion& s, Type v) { s.set_##stem##_content(v); }          \
-    static const protobuf::RepeatedField<Stored>& Values(const ArrayDataUnion& a) {           \
-      return a.stem##_content().stem##_content();                                             \
-    }                                                                                         \
-    static protobuf::RepeatedField<Stored>* MutableValues(ArrayDataUnion& a) {                \
+    static const auto& Values(const ArrayDataUnion& a) { return a.stem##_content().stem##_content(); } \
+    static auto* MutableValues(ArrayDataUnion& a) {                                           \
       return a.mutable_##stem##_content()->mutable_##stem##_content();                        \
     }                                                                                         \
   };
-MAV_VALUES_PACKED_KIND(float, float, kFloat32, kPacked, float)
-MAV_VALUES_PACKED_KIND(double, double, kFloat64, kPacked, double)
-MAV_VALUES_PACKED_KIND(int16_t, int32_t, kInt16, kWidened, int16)
-MAV_VALUES_PACKED_KIND(int32_t, int32_t, kInt32, kPacked, int32)
-MAV_VALUES_PACKED_KIND(int64_t, int64_t, kInt64, kPacked, int64)
-MAV_VALUES_PACKED_KIND(uint16_t, uint32_t, kUInt16, kWidened, unsignedint16)
-MAV_VALUES_PACKED_KIND(uint32_t, uint32_t, kUInt32, kPacked, unsignedint32)
-MAV_VALUES_PACKED_KIND(uint64_t, uint64_t, kUInt64, kPacked, unsignedint64)
-MAV_VALUES_PACKED_KIND(bool, bool, kBool, kPacked, bool)
-#undef MAV_VALUES_PACKED_KIND
-
-// 8-bit integers: widened scalars, byte-string arrays.
-#define MAV_VALUES_BYTE_KIND(Type, StoredType, kind_, stem)                                  \
-  template <>                                                                                \
-  struct Traits<Type> {                                                                      \
-    static constexpr Kind kind = Kind::kind_;                                                \
-    static constexpr Storage storage = Storage::kBytes;                                      \
-    using Stored = StoredType;                                                               \
-    static Stored Scalar(const ScalarDataUnion& s) { return s.stem##_content(); }            \
-    static void SetScalar(ScalarDataUnion& s, Type v) { s.set_##stem##_content(v); }         \
-    static const std::string& Bytes(const ArrayDataUnion& a) {                               \
-      return a.stem##_content().stem##_content();                                            \
-    }                                                                                        \
-    static std::string* MutableBytes(ArrayDataUnion& a) {                                    \
-      return a.mutable_##stem##_content()->mutable_##stem##_content();                       \
-    }                                                                                        \
-  };
-MAV_VALUES_BYTE_KIND(int8_t, int32_t, kInt8, int8)
-MAV_VALUES_BYTE_KIND(uint8_t, uint32_t, kUInt8, unsignedint8)
-#undef MAV_VALUES_BYTE_KIND
+MAV_VALUES_NUMBER_KIND(float, float, kFloat32, kPacked, float)
+MAV_VALUES_NUMBER_KIND(double, double, kFloat64, kPacked, double)
+MAV_VALUES_NUMBER_KIND(int8_t, int32_t, kInt8, kBytes, int8)
+MAV_VALUES_NUMBER_KIND(int16_t, int32_t, kInt16, kWidened, int16)
+MAV_VALUES_NUMBER_KIND(int32_t, int32_t, kInt32, kPacked, int32)
+MAV_VALUES_NUMBER_KIND(int64_t, int64_t, kInt64, kPacked, int64)
+MAV_VALUES_NUMBER_KIND(uint8_t, uint32_t, kUInt8, kBytes, unsignedint8)
+MAV_VALUES_NUMBER_KIND(uint16_t, uint32_t, kUInt16, kWidened, unsignedint16)
+MAV_VALUES_NUMBER_KIND(uint32_t, uint32_t, kUInt32, kPacked, unsignedint32)
+MAV_VALUES_NUMBER_KIND(uint64_t, uint64_t, kUInt64, kPacked, unsignedint64)
+MAV_VALUES_NUMBER_KIND(bool, bool, kBool, kPacked, bool)
+#undef MAV_VALUES_NUMBER_KIND
 
 // Complex numbers: a two-field message as a scalar, interleaved parts in an
 // array of the part type.
-template <typename Part, typename Message, Kind kind_>
-struct ComplexTraits {
-  static constexpr Kind kind = kind_;
-  static constexpr Storage storage = Storage::kComplex;
-  using Stored = Part;
-  static_assert(sizeof(std::complex<Part>) == 2 * sizeof(Part) &&
-                    alignof(std::complex<Part>) == alignof(Part),
-                "std::complex must be laid out as two parts");
-};
-template <>
-struct Traits<std::complex<float>> : ComplexTraits<float, ComplexFloat, Kind::kComplex64> {
-  static std::complex<float> Scalar(const ScalarDataUnion& s) {
-    return {s.complexfloat_content().re_content(), s.complexfloat_content().im_content()};
-  }
-  static void SetScalar(ScalarDataUnion& s, std::complex<float> v) {
-    ComplexFloat* c = s.mutable_complexfloat_content();
-    c->set_re_content(v.real());
-    c->set_im_content(v.imag());
-  }
-  static const protobuf::RepeatedField<float>& Values(const ArrayDataUnion& a) {
-    return a.complexfloat_content().float_content();
-  }
-  static protobuf::RepeatedField<float>* MutableValues(ArrayDataUnion& a) {
-    return a.mutable_complexfloat_content()->mutable_float_content();
-  }
-};
-template <>
-struct Traits<std::complex<double>> : ComplexTraits<double, ComplexDouble, Kind::kComplex128> {
-  static std::complex<double> Scalar(const ScalarDataUnion& s) {
-    return {s.complexdouble_content().re_content(), s.complexdouble_content().im_content()};
-  }
-  static void SetScalar(ScalarDataUnion& s, std::complex<double> v) {
-    ComplexDouble* c = s.mutable_complexdouble_content();
-    c->set_re_content(v.real());
-    c->set_im_content(v.imag());
-  }
-  static const protobuf::RepeatedField<double>& Values(const ArrayDataUnion& a) {
-    return a.complexdouble_content().double_content();
-  }
-  static protobuf::RepeatedField<double>* MutableValues(ArrayDataUnion& a) {
-    return a.mutable_complexdouble_content()->mutable_double_content();
-  }
-};
+#define MAV_VALUES_COMPLEX_KIND(Part, kind_, stem, part_stem)                                \
+  template <>                                                                                \
+  struct Traits<std::complex<Part>> {                                                        \
+    static constexpr Kind kind = Kind::kind_;                                                \
+    static constexpr Storage storage = Storage::kComplex;                                    \
+    static_assert(sizeof(std::complex<Part>) == 2 * sizeof(Part) &&                          \
+                      alignof(std::complex<Part>) == alignof(Part),                          \
+                  "std::complex must be laid out as two parts");                             \
+    static std::complex<Part> Scalar(const ScalarDataUnion& s) {                             \
+      return {s.stem##_content().re_content(), s.stem##_content().im_content()};             \
+    }                                                                                        \
+    static void SetScalar(ScalarDataUnion& s, std::complex<Part> v) {                        \
+      s.mutable_##stem##_content()->set_re_content(v.real());                                \
+      s.mutable_##stem##_content()->set_im_content(v.imag());                                \
+    }                                                                                        \
+    static const protobuf::RepeatedField<Part>& Values(const ArrayDataUnion& a) {            \
+      return a.stem##_content().part_stem##_content();                                       \
+    }                                                                                        \
+    static protobuf::RepeatedField<Part>* MutableValues(ArrayDataUnion& a) {                 \
+      return a.mutable_##stem##_content()->mutable_##part_stem##_content();                  \
+    }                                                                                        \
+  };
+MAV_VALUES_COMPLEX_KIND(float, kComplex64, complexfloat, float)
+MAV_VALUES_COMPLEX_KIND(double, kComplex128, complexdouble, double)
+#undef MAV_VALUES_COMPLEX_KIND
 
 // Text: std::string and std::string_view both ways, C strings for setting.
 struct TextTraits {
@@ -388,32 +352,32 @@ template <>
 struct Traits<char*> : TextTraits {};
 
 // Durations and time points: ChronoData, alone or in an ArrayChronoData.
+template <Kind kind_, const ChronoData& (ScalarDataUnion::*scalar)() const,
+          ChronoData* (ScalarDataUnion::*mutable_scalar)(),
+          const ArrayChronoData& (ArrayDataUnion::*array)() const,
+          ArrayChronoData* (ArrayDataUnion::*mutable_array)()>
+struct ChronoTraits {
+  static constexpr Kind kind = kind_;
+  static constexpr Storage storage = Storage::kChrono;
+  static const ChronoData& Scalar(const ScalarDataUnion& s) { return (s.*scalar)(); }
+  static ChronoData* MutableScalar(ScalarDataUnion& s) { return (s.*mutable_scalar)(); }
+  static const protobuf::RepeatedPtrField<ChronoData>& Values(const ArrayDataUnion& a) {
+    return (a.*array)().chrono_content();
+  }
+  static protobuf::RepeatedPtrField<ChronoData>* MutableValues(ArrayDataUnion& a) {
+    return (a.*mutable_array)()->mutable_chrono_content();
+  }
+};
 template <typename Rep, typename Period>
-struct Traits<std::chrono::duration<Rep, Period>> {
-  static constexpr Kind kind = Kind::kDuration;
-  static constexpr Storage storage = Storage::kChrono;
-  static const ChronoData& Scalar(const ScalarDataUnion& s) { return s.duration_content(); }
-  static ChronoData* MutableScalar(ScalarDataUnion& s) { return s.mutable_duration_content(); }
-  static const protobuf::RepeatedPtrField<ChronoData>& Values(const ArrayDataUnion& a) {
-    return a.duration_content().chrono_content();
-  }
-  static protobuf::RepeatedPtrField<ChronoData>* MutableValues(ArrayDataUnion& a) {
-    return a.mutable_duration_content()->mutable_chrono_content();
-  }
-};
+struct Traits<std::chrono::duration<Rep, Period>>
+    : ChronoTraits<Kind::kDuration, &ScalarDataUnion::duration_content,
+                   &ScalarDataUnion::mutable_duration_content, &ArrayDataUnion::duration_content,
+                   &ArrayDataUnion::mutable_duration_content> {};
 template <typename Clock, typename Duration>
-struct Traits<std::chrono::time_point<Clock, Duration>> {
-  static constexpr Kind kind = Kind::kTimePoint;
-  static constexpr Storage storage = Storage::kChrono;
-  static const ChronoData& Scalar(const ScalarDataUnion& s) { return s.timepoint_content(); }
-  static ChronoData* MutableScalar(ScalarDataUnion& s) { return s.mutable_timepoint_content(); }
-  static const protobuf::RepeatedPtrField<ChronoData>& Values(const ArrayDataUnion& a) {
-    return a.timepoint_content().chrono_content();
-  }
-  static protobuf::RepeatedPtrField<ChronoData>* MutableValues(ArrayDataUnion& a) {
-    return a.mutable_timepoint_content()->mutable_chrono_content();
-  }
-};
+struct Traits<std::chrono::time_point<Clock, Duration>>
+    : ChronoTraits<Kind::kTimePoint, &ScalarDataUnion::timepoint_content,
+                   &ScalarDataUnion::mutable_timepoint_content, &ArrayDataUnion::timepoint_content,
+                   &ArrayDataUnion::mutable_timepoint_content> {};
 
 // String literals and char arrays decay to const char*, never to int8.
 template <typename T>
@@ -533,8 +497,23 @@ using IfTarget = std::enable_if_t<std::is_same_v<Target, KVariant> || std::is_sa
 template <typename Source>
 using IfSource = IfTarget<Source>;
 
+// A one-dimensional shape; a count beyond one axis's reach makes a shape
+// that CheckArrayCount refuses.
+inline Shape OneAxis(size_t count) {
+  return Shape{static_cast<uint32_t>(std::min<size_t>(count, UINT32_MAX))};
+}
+
 template <typename T>
 using ElementOf = Plain<decltype(*std::data(std::declval<const T&>()))>;
+
+// Empties `field` and hands out `count` elements to overwrite; the storage
+// grows at most once, and old elements are not copied when it does.
+template <typename Element>
+Element* Overwrite(protobuf::RepeatedField<Element>* field, int count) {
+  field->Clear();
+  field->Reserve(count);
+  return field->AddNAlreadyReserved(count);
+}
 
 // The caller has checked the count (CheckArrayCount).
 template <typename Fraction, typename T>
@@ -543,20 +522,13 @@ void WriteArray(KVariant& value, const T* data, size_t count, const Shape& shape
   ArrayDataUnion& array = *value.mutable_array_data();
   const int n = static_cast<int>(count);
   if constexpr (Tr::storage == Storage::kPacked || Tr::storage == Storage::kComplex) {
-    auto* field = Tr::MutableValues(array);
-    const int parts = Tr::storage == Storage::kComplex ? 2 * n : n;
-    field->Clear();
-    field->Reserve(parts);
-    auto* out = field->AddNAlreadyReserved(parts);
+    auto* out = Overwrite(Tr::MutableValues(array), Tr::storage == Storage::kComplex ? 2 * n : n);
     if (count != 0) std::memcpy(out, data, count * sizeof(T));
   } else if constexpr (Tr::storage == Storage::kWidened) {
-    auto* field = Tr::MutableValues(array);
-    field->Clear();
-    field->Reserve(n);
-    auto* out = field->AddNAlreadyReserved(n);
+    auto* out = Overwrite(Tr::MutableValues(array), n);
     for (size_t i = 0; i < count; ++i) out[i] = data[i];
   } else if constexpr (Tr::storage == Storage::kBytes) {
-    Tr::MutableBytes(array)->assign(reinterpret_cast<const char*>(data), count);
+    Tr::MutableValues(array)->assign(reinterpret_cast<const char*>(data), count);
   } else {
     auto* field = Tr::MutableValues(array);
     field->Clear();
@@ -576,12 +548,7 @@ void WriteArray(KVariant& value, const T* data, size_t count, const Shape& shape
 // Points at the stored elements of a kind whose stored form is T.
 template <typename T>
 const T* StoredData(const ArrayDataUnion& array) {
-  using Tr = Traits<T>;
-  if constexpr (Tr::storage == Storage::kBytes) {
-    return reinterpret_cast<const T*>(Tr::Bytes(array).data());
-  } else {
-    return reinterpret_cast<const T*>(Tr::Values(array).data());
-  }
+  return reinterpret_cast<const T*>(Traits<T>::Values(array).data());
 }
 
 template <typename T>
@@ -742,9 +709,7 @@ template <typename Fraction = std::nano, typename Target, typename Container,
           typename = detail::IfTarget<Target>,
           typename = detail::ElementOf<Container>>
 void SetArray(Target& target, const Container& values) {
-  const size_t count = std::size(values);
-  SetArray<Fraction>(target, std::data(values), count,
-                     Shape{static_cast<uint32_t>(std::min<size_t>(count, UINT32_MAX))});
+  SetArray<Fraction>(target, std::data(values), std::size(values), detail::OneAxis(std::size(values)));
 }
 // std::vector<bool> keeps no contiguous bools.
 template <typename Target, typename = detail::IfTarget<Target>>
@@ -753,6 +718,10 @@ void SetArray(Target& target, const std::vector<bool>& values, const Shape& shap
   const std::unique_ptr<bool[]> copy(new bool[values.size()]);
   std::copy(values.begin(), values.end(), copy.get());
   SetArray(target, copy.get(), values.size(), shape, order);
+}
+template <typename Target, typename = detail::IfTarget<Target>>
+void SetArray(Target& target, const std::vector<bool>& values) {
+  SetArray(target, values, detail::OneAxis(values.size()));
 }
 
 namespace detail {

@@ -46,11 +46,7 @@ bool SameArray(const ArrayDataUnion& a, const ArrayDataUnion& b, Kind kind) {
   if (order_a != order_b || (!order_a && a.dataorder() != b.dataorder())) return false;
   return VisitKind(kind, [&](auto tag) {
     using Tr = detail::Traits<typename decltype(tag)::type>;
-    if constexpr (Tr::storage == detail::Storage::kBytes) {
-      return Tr::Bytes(a) == Tr::Bytes(b);
-    } else {
-      return SameElements(Tr::Values(a), Tr::Values(b));
-    }
+    return SameElements(Tr::Values(a), Tr::Values(b));
   });
 }
 

@@ -42,13 +42,8 @@ size_t StoredElementCount(const ArrayDataUnion& array) {
   if (!kind) return 0;
   return VisitKind(*kind, [&](auto tag) -> size_t {
     using Tr = detail::Traits<typename decltype(tag)::type>;
-    if constexpr (Tr::storage == detail::Storage::kBytes) {
-      return Tr::Bytes(array).size();
-    } else if constexpr (Tr::storage == detail::Storage::kComplex) {
-      return static_cast<size_t>(Tr::Values(array).size()) / 2;
-    } else {
-      return static_cast<size_t>(Tr::Values(array).size());
-    }
+    const size_t stored = static_cast<size_t>(Tr::Values(array).size());
+    return Tr::storage == detail::Storage::kComplex ? stored / 2 : stored;
   });
 }
 
@@ -61,10 +56,7 @@ std::optional<Order> ParseOrder(std::string_view letter) {
 namespace values_internal {
 
 Shape StoredShape(const ArrayDataUnion& array) {
-  if (array.dimensions_size() == 0) {
-    const size_t count = StoredElementCount(array);
-    return Shape{static_cast<uint32_t>(std::min<size_t>(count, UINT32_MAX))};
-  }
+  if (array.dimensions_size() == 0) return detail::OneAxis(StoredElementCount(array));
   return Shape(array.dimensions());
 }
 
