@@ -103,6 +103,46 @@ TEST(JsonTest, TrickyValuesSurvive) {
     EXPECT_NE(json.find(part), std::string::npos) << part << "\n" << json;
 }
 
+// Time text is integer arithmetic over the calendar: its edges are where it
+// breaks.
+TEST(JsonTest, TimeTextAtTheEdgesOfTheCalendar) {
+  struct Case {
+    int64_t seconds;
+    uint64_t nanos;
+    const char* time_point;
+    const char* duration;
+  };
+  const Case cases[] = {
+      {-62135596800, 0, "\"0001-01-01T00:00:00Z\"", "\"-62135596800s\""},
+      {253402300799, 999999999, "\"9999-12-31T23:59:59.999999999Z\"", "\"253402300799.999999999s\""},
+      {951782400, 1000, "\"2000-02-29T00:00:00.000001Z\"", "\"951782400.000001s\""},
+      {-1, 1, "\"1969-12-31T23:59:59.000000001Z\"", "\"-0.999999999s\""},
+      {std::numeric_limits<int64_t>::min(), 0, "[-9223372036854775808,0]", "\"-9223372036854775808s\""},
+      {-62135596801, 0, "[-62135596801,0]", "\"-62135596801s\""},
+  };
+  for (const Case& c : cases) {
+    PropertyNode tree;
+    for (const char* key : {"t", "d"}) {
+      ScalarDataUnion& scalar = *Child(tree, key).mutable_value_type()->mutable_scalar_data();
+      ChronoData& chrono = *(key[0] == 't' ? scalar.mutable_timepoint_content() : scalar.mutable_duration_content());
+      chrono.set_seconds_content(c.seconds);
+      chrono.set_fractional_content(c.nanos);
+    }
+    const std::string json = ExpectLossless(tree);
+    EXPECT_NE(json.find(std::string("{\"$datetime64\":") + c.time_point + "}"), std::string::npos) << json;
+    EXPECT_NE(json.find(std::string("{\"$timedelta64\":") + c.duration + "}"), std::string::npos) << json;
+  }
+  for (const char* text : {"\"1900-02-29T00:00:00Z\"", "\"2024-01-01T24:00:00Z\"", "\"2024-01-01T00:00:00\"",
+                           "\"2024-01-01T00:00:00.1234567891Z\"", "\"0000-01-01T00:00:00Z\""}) {
+    PropertyNode node;
+    EXPECT_FALSE(FromJson(std::string("{\"$datetime64\": ") + text + "}", &node)) << text;
+  }
+  for (const char* text : {"\"1.5\"", "\"--1s\"", "\"9223372036854775808s\"", "\"-9223372036854775808.5s\""}) {
+    PropertyNode node;
+    EXPECT_FALSE(FromJson(std::string("{\"$timedelta64\": ") + text + "}", &node)) << text;
+  }
+}
+
 TEST(JsonTest, UnknownFieldsAtEveryLevelSurvive) {
   Random random(7);
   PropertyNode tree;

@@ -73,5 +73,11 @@ expect 1 "^mav: .*: nothing at the path \"no/such\"$" "$mav" get "$sample" no/su
 expect 0 "" "$mav" check "$sample"
 grep -q "valid" stdout && grep -q "uint16" stdout || fail "check reports the kinds"
 
+# show picks a part of the tree and a depth; text is the runtime's format.
+[ "$("$mav" show "$sample" --depth 1 | grep -c '^ ')" = 0 ] || fail "show --depth 1 shows one level"
+"$mav" show "$sample" --path frame | grep -q "^uint16 array 512x512 order C" || fail "show --path shows that node"
+expect 1 "^mav: .*: nothing at the path \"calibration/x\"$" "$mav" show "$sample" --path calibration/x
+"$mav" text "$sample" | grep -q 'key: "gain"' || fail "text prints the runtime's text format"
+
 [ "$failures" -eq 0 ] || { echo "$failures failure(s)"; exit 1; }
 echo "all passed"
