@@ -211,6 +211,28 @@ TEST(JsonTest, BadInputIsRefusedWithItsPlaceAndNothingIsImported) {
   }
 }
 
+// JSON is accepted exactly as deep as the runtime parses the bytes it gives,
+// and deeper JSON is refused, not a crash.
+TEST(JsonTest, NestingStopsWhereTheBytesWouldNoLongerParse) {
+  for (int lists = 47; lists <= 51; ++lists) {
+    for (const char* leaf : {"1.0", "{\"$array\": \"datetime64\", \"data\": [[0, 0]]}", "{}"}) {
+      const std::string json = std::string(lists, '[') + leaf + std::string(lists, ']');
+      PropertyNode tree;
+      const bool read = FromJson(json, &tree);
+      PropertyNode built;
+      PropertyNode* node = &built;
+      for (int i = 0; i < lists; ++i) node = node->mutable_list_type()->add_list_data();
+      ASSERT_TRUE(FromJson(leaf, node));
+      PropertyNode parsed;
+      EXPECT_EQ(read, parsed.ParseFromString(built.SerializeAsString())) << json;
+    }
+  }
+  PropertyNode tree;
+  JsonError error;
+  EXPECT_FALSE(FromJson(std::string(100000, '[') + std::string(100000, ']'), &tree, &error));
+  EXPECT_NE(error.reason.find("nested deeper"), std::string::npos) << error.ToString();
+}
+
 TEST(JsonTest, KeysThatAreNotUtf8AreRefusedOnWriting) {
   PropertyNode tree;
   (*tree.mutable_map_type()->mutable_map_data())["\xff"];

@@ -95,19 +95,22 @@ class Reader {
         if (!Take(json.is_null())) Refuse(at, "expected null");
         return;
       case od::json_type::number:
+        Fits(kPlainValueLevels, at);
         node->mutable_value_type()->mutable_scalar_data()->set_double_content(Take(json.get_double()));
         return;
       case od::json_type::string: {
+        Fits(kPlainValueLevels, at);
         const std::string_view text = Take(json.get_string());
         node->mutable_value_type()->mutable_scalar_data()->set_string_content(text.data(), text.size());
         return;
       }
       case od::json_type::boolean:
+        Fits(kPlainValueLevels, at);
         node->mutable_value_type()->mutable_scalar_data()->set_bool_content(Take(json.get_bool()));
         return;
       case od::json_type::array: {
         od::array items = Take(json.get_array());
-        List(items, node->mutable_list_type());
+        List(items, node->mutable_list_type(), at);
         return;
       }
       case od::json_type::object: {
@@ -118,11 +121,16 @@ class Reader {
     }
   }
 
-  void List(od::array& items, PropertyList* list) {
+  // A list is one message level, each item node one more.
+  void List(od::array& items, PropertyList* list, const char* at) {
+    Enter(1, at);
     for (auto item : items) {
       od::value value = Take(std::move(item));
+      Enter(1, at);
       Node(value, list->add_list_data());
+      Leave(1);
     }
+    Leave(1);
   }
 
   // A map, or a tagged value when the first key is a tag.
@@ -141,22 +149,29 @@ class Reader {
           continue;
         }
         map = node->mutable_map_type();
+        Enter(1, at);
       }
       if (map != nullptr)
         MapEntry(key, key_at, field.value(), map);
       else
         TaggedField(key, key_at, field.value(), &tagged);
     }
-    if (map == nullptr && tagged.tag.empty()) node->mutable_map_type();
+    if (map == nullptr && tagged.tag.empty()) {
+      node->mutable_map_type();
+      Fits(1, at);
+    }
+    if (map != nullptr) Leave(1);
     if (!tagged.tag.empty()) FinishTagged(tagged);
   }
 
-  void MapEntries(od::object& object, PropertyMap* map) {
+  void MapEntries(od::object& object, PropertyMap* map, const char* at) {
+    Enter(1, at);
     for (auto field_result : object) {
       od::field field = Take(std::move(field_result));
       const char* key_at = field.key().raw() - 1;
       MapEntry(Take(field.unescaped_key()), key_at, field.value(), map);
     }
+    Leave(1);
   }
 
   void MapEntry(std::string_view key, const char* key_at, od::value& json, PropertyMap* map) {
@@ -164,7 +179,10 @@ class Reader {
     if (!key.empty() && key[0] == kTagMark) key.remove_prefix(1);
     auto [entry, inserted] = map->mutable_map_data()->insert({std::string(key), PropertyNode()});
     if (!inserted) Refuse(key_at, "duplicate key \"" + std::string(key) + "\"");
+    // The entry and its node are a message level each.
+    Enter(2, key_at);
     Node(json, &entry->second);
+    Leave(2);
   }
 
   // The first field of a tagged object: what it is, and its main value.
@@ -178,12 +196,12 @@ class Reader {
     if (tag == kMapTag) {
       tagged->node = node;
       od::object entries = Take(json.get_object(), at, "$map holds an object of entries");
-      return MapEntries(entries, node->mutable_map_type());
+      return MapEntries(entries, node->mutable_map_type(), at);
     }
     if (tag == kListTag) {
       tagged->node = node;
       od::array items = Take(json.get_array(), at, "$list holds an array of items");
-      return List(items, node->mutable_list_type());
+      return List(items, node->mutable_list_type(), at);
     }
     KVariant* value = tagged->value = node->mutable_value_type();
     if (tag == kEmptyTag || tag == kScalarTag) {
@@ -266,6 +284,7 @@ class Reader {
   }
 
   void FinishTagged(const Tagged& tagged) {
+    if (tagged.value != nullptr) Fits(ValueLevels(*tagged.value), tagged.at);
     if (tagged.outside_kind && !tagged.widened) Refuse(tagged.outside_kind, tagged.outside_reason);
     if (!tagged.array || !tagged.kind) return;
     if (!tagged.has_data) Refuse(tagged.at, "an array needs its \"data\"");
@@ -598,6 +617,40 @@ class Reader {
     return member ? holder->GetReflection()->MutableMessage(holder, member) : nullptr;
   }
 
+  // ---- nesting
+
+  // The bytes of what is read must parse again, and a parse of the bytes
+  // takes at most this many nested messages (the runtime's default
+  // recursion limit). Counting them also keeps deep JSON off the stack.
+  static constexpr int kWireDepthLimit = 100;
+  // A KVariant and its scalar union.
+  static constexpr int kPlainValueLevels = 2;
+
+  void Enter(int levels, const char* at) {
+    Fits(levels, at);
+    depth_ += levels;
+  }
+  void Leave(int levels) { depth_ -= levels; }
+  void Fits(int levels, const char* at) const {
+    if (depth_ + levels > kWireDepthLimit)
+      Refuse(at, "nested deeper than the " + std::to_string(kWireDepthLimit) + " message levels a parse of the bytes allows");
+  }
+
+  // The KVariant, its union, the union's member message and a time
+  // array's element messages.
+  static int ValueLevels(const KVariant& value) {
+    const protobuf::Message* holder = value.has_scalar_data() ? static_cast<const protobuf::Message*>(&value.scalar_data())
+                                      : value.has_array_data() ? &value.array_data()
+                                                               : nullptr;
+    if (holder == nullptr) return 1;
+    const protobuf::FieldDescriptor* member = MessageMember(*holder);
+    if (member == nullptr) return 2;
+    const protobuf::Message& held = holder->GetReflection()->GetMessage(*holder, member);
+    const bool elements = held.GetDescriptor() == ArrayChronoData::descriptor() &&
+                          static_cast<const ArrayChronoData&>(held).chrono_content_size() > 0;
+    return elements ? 4 : 3;
+  }
+
   // ---- simdjson results and locations
 
   template <typename T>
@@ -635,6 +688,7 @@ class Reader {
 
   od::document& document_;
   const char* end_;
+  int depth_ = 0;  // message levels above the node being read
 };
 
 JsonError ErrorAt(std::string_view json, size_t offset, std::string reason) {
