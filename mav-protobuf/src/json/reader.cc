@@ -475,12 +475,13 @@ class Reader {
   // is looked at until something is wrong: this runs once per element.
   template <typename Float>
   Float Real(od::value& json) {
-    const std::string_view token = json.raw_json_token();
     double value;
-    if (json.get_double().get(value) != simdjson::SUCCESS) return NonFinite<Float>(json);
     if constexpr (std::is_same_v<Float, double>) {
+      if (json.get_double().get(value) != simdjson::SUCCESS) return NonFinite<Float>(json);
       return value;
     } else {
+      const std::string_view token = json.raw_json_token();
+      if (json.get_double().get(value) != simdjson::SUCCESS) return NonFinite<Float>(json);
       float narrow;
       const auto [end, error] = std::from_chars(token.data(), token.data() + token.size(), narrow);
       if (error != std::errc() || end == token.data())
