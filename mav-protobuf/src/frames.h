@@ -235,7 +235,9 @@ void ScalarPairFrame<Derived, First, Second>::SwapFields(ScalarPairFrame* other)
 
 template <typename Derived, typename Element>
 PackedArrayFrame<Derived, Element>::PackedArrayFrame(const PackedArrayFrame& from)
-    : MessageFrame<Derived>(from), values_(from.values_) {}
+    : MessageFrame<Derived>(from) {
+  MergeFields(from);
+}
 
 template <typename Derived, typename Element>
 PackedArrayFrame<Derived, Element>::PackedArrayFrame(PackedArrayFrame&& from) noexcept
@@ -285,7 +287,7 @@ uint8_t* PackedArrayFrame<Derived, Element>::WriteFields(uint8_t* target,
 
 template <typename Derived, typename Element>
 void PackedArrayFrame<Derived, Element>::MergeFields(const PackedArrayFrame& from) {
-  values_.MergeFrom(from.values_);
+  wire::Packed<Element>::Append(&values_, from.values_);
 }
 
 template <typename Derived, typename Element>

@@ -204,15 +204,23 @@ struct Packed {
     }
   }
 
+  // Appends `from`, with the first allocation as every packed field has it.
+  static void Append(Elements* values, const Elements& from) {
+    if (from.empty()) return;
+    internal::ReservePacked(values, from.size());
+    values->MergeFrom(from);
+  }
+
   // One packed run (length and elements), appended to `values`.
   static const char* ReadRun(Elements* values, const char* ptr, ParseContext* ctx) {
     if constexpr (Codec<T>::kFixedWidth) {
       const int size = static_cast<int>(protobuf::internal::ReadSize(&ptr));
       if (ptr == nullptr) return nullptr;
+      if (size > 0) internal::ReservePacked(values, 1);
       return ctx->ReadPackedFixed(ptr, size, values);
     } else {
       return ctx->ReadPackedVarint(
-          ptr, [values](uint64_t raw) { values->Add(Codec<T>::FromWire(raw)); });
+          ptr, [values](uint64_t raw) { internal::AddPacked(values, Codec<T>::FromWire(raw)); });
     }
   }
 
@@ -226,7 +234,7 @@ struct Packed {
     T value;
     ptr = ReadValue(ptr, ctx, &value);
     if (ptr == nullptr) return nullptr;
-    values->Add(value);
+    internal::AddPacked(values, value);
     while (values->size() < values->Capacity()) {
       if (ctx->Done(&ptr)) return ptr;
       if (!protobuf::internal::ExpectTag<kContinuationTag>(ptr)) break;
