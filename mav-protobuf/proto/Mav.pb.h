@@ -192,6 +192,13 @@ class MAV_PROTOBUF_EXPORT MessageFrame : public protobuf::Message {
   const char* _InternalParse(const char* ptr, ParseContext* ctx) final;
   uint8_t* _InternalSerialize(uint8_t* target,
                               EpsCopyOutputStream* stream) const final;
+  // The runtime's string serializers, except that the string grows while it
+  // is written instead of being zero-filled to its full size first, so a large
+  // array's bytes go to memory once. Called through a base class reference,
+  // the runtime's own versions run, with the same result.
+  bool SerializeToString(std::string* output) const;
+  bool AppendToString(std::string* output) const;
+  std::string SerializeAsString() const;
   // Writes the same bytes as serialization into caller-sized memory; sizes
   // cached by ByteSizeLong() must be current. Returns the end of the output.
   uint8_t* InternalSerializeWithCachedSizesToArray(bool deterministic,
