@@ -50,12 +50,12 @@ def main(folder):
     times, items = load_times(folder)
     heap = load_heap(folder)
     workloads = sorted({key[0] for key in times}, key=lambda w: (not w.startswith("W"), w))
-    print("| workload | op | ours ns/item | ours / memcpy | vs DynamicMessage | vs Struct | peak heap (ours / dynamic / struct) |")
+    print("| workload | op | ours ns/item | memcpy time / ours | speed-up over DynamicMessage | speed-up over Struct | peak heap (ours / dynamic / struct) |")
     print("|---|---|---|---|---|---|---|")
     for workload in workloads:
         memcpy = times.get((workload, "memcpy", "copy"))
         if memcpy is not None:
-            print("| %s | memcpy of %s items | %.2f | 1.00x | | | |" % (workload, items[workload], memcpy / items[workload]))
+            print("| %s | memcpy of the wire bytes (%d items) | %.2f | 1.00x | | | |" % (workload, items[workload], memcpy / items[workload]))
         for op in OPERATIONS:
             ours = times.get((workload, "ours", op))
             if ours is None:
@@ -64,7 +64,7 @@ def main(folder):
             row.append("%.2fx" % (memcpy / ours) if memcpy else "")
             for other in ("dynamic", "struct"):
                 theirs = times.get((workload, other, op))
-                row.append("%.2fx faster" % (theirs / ours) if theirs else "")
+                row.append("%.2fx" % (theirs / ours) if theirs else "")
             peaks = [heap.get((workload, impl)) for impl in ("ours", "dynamic", "struct")] if op == "parse_fresh" else []
             row.append(" / ".join(mib(p[0]) for p in peaks if p) if peaks else "")
             print("| " + " | ".join(row) + " |")
