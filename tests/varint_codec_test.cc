@@ -42,6 +42,7 @@ void ExpectCodecMatchesTheRuntime() {
   const uint8_t* end = varint::EncodeRunWith<Bits>(values.data(), static_cast<int>(values.size()), encoded.data());
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(encoded.data()), end - encoded.data()), expected);
   EXPECT_EQ(varint::RunSize(values.data(), static_cast<int>(values.size())), expected.size());
+  EXPECT_EQ(varint::RunSizeWith(values.data(), static_cast<int>(values.size())), expected.size());
 
   const int count = varint::CountEnds(expected.data(), expected.data() + expected.size());
   ASSERT_EQ(count, static_cast<int>(values.size()));

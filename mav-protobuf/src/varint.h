@@ -64,7 +64,7 @@ size_t Size(T value) {
 
 // Summed in 32-bit lanes a block at a time, which vectorizes well.
 template <typename T>
-size_t RunSize(const T* values, int count) {
+inline size_t RunSizeWith(const T* values, int count) {
   constexpr int kBlock = 1 << 16;
   size_t size = 0;
   for (int first = 0; first < count; first += kBlock) {
@@ -152,6 +152,10 @@ inline bool HasBmi2() {
   static const bool has = (__builtin_cpu_init(), __builtin_cpu_supports("bmi2"));
   return has;
 }
+inline bool HasAvx2() {
+  static const bool has = (__builtin_cpu_init(), __builtin_cpu_supports("avx2"));
+  return has;
+}
 #endif
 
 // Encodes `count` values at `out`, which has room for kMaxSize bytes a value
@@ -232,6 +236,22 @@ MAV_PROTOBUF_BMI2 __attribute__((flatten)) const char* DecodeRunBmi2(
   return DecodeRunWith<Bmi2Bits>(p, end, count, out, decoded, from_wire);
 }
 #endif
+
+#ifdef MAV_PROTOBUF_VARINT_BMI2
+// The same loop, compiled for vectors twice as wide.
+template <typename T>
+__attribute__((target("avx2"), flatten)) size_t RunSizeAvx2(const T* values, int count) {
+  return RunSizeWith(values, count);
+}
+#endif
+
+template <typename T>
+size_t RunSize(const T* values, int count) {
+#ifdef MAV_PROTOBUF_VARINT_BMI2
+  if (HasAvx2()) return RunSizeAvx2(values, count);
+#endif
+  return RunSizeWith(values, count);
+}
 
 template <typename T>
 uint8_t* EncodeRun(const T* values, int count, uint8_t* out) {
