@@ -135,7 +135,8 @@ class TreeMaker {
   void Array(ArrayDataUnion* u) {
     static const int kMembers[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 17, 18};
     const int kind = kMembers[r_.Below(17)];
-    int n = r_.Below(6);
+    // Now and then a run long enough for the word-at-a-time varint codecs.
+    int n = r_.OneIn(6) ? 20 + r_.Below(120) : r_.Below(6);
     // Each loop's start selects the member, so an empty array is set too.
     switch (kind) {
       case 1: for (auto* a = u->mutable_string_content(); n > 0; --n) a->add_string_content(r_.Blob(5)); break;

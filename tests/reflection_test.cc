@@ -111,7 +111,7 @@ TEST(Reflection, MapEntriesReportKeyAndValuePresence) {
 TEST(TextAndJson, RandomTreesRoundTripAndPrintAsTheGenericImplementation) {
   pb::DynamicMessageFactory factory;
   std::set<int> kinds;
-  for (uint32_t seed = 101; seed <= 112; ++seed) {
+  for (uint32_t seed = 101; seed <= 113; ++seed) {
     SCOPED_TRACE(seed);
     const PropertyNode tree = Tree(seed, &kinds);
     std::string text, their_text;

@@ -93,9 +93,9 @@ TEST(ArrayDataUnion, ChronoMembersAreWrittenAfterTheShape) {
 }
 
 TEST(ArrayDataUnion, DimensionFormsAndMergeFrom) {
-  ArrayDataUnion dims;  // unpacked, unpacked, packed: all appended
-  ASSERT_TRUE(ParseInto(&dims, Bytes({0x80, 0x01, 5, 0x80, 0x01, 7, 0x82, 0x01, 1, 9})));
-  EXPECT_EQ(Hex(WireOf(dims)), Hex(Bytes({0x82, 0x01, 3, 5, 7, 9})));
+  ArrayDataUnion dims;  // packed, unpacked, unpacked: all appended
+  ASSERT_TRUE(ParseInto(&dims, Bytes({0x82, 0x01, 1, 9, 0x80, 0x01, 5, 0x80, 0x01, 7})));
+  EXPECT_EQ(Hex(WireOf(dims)), Hex(Bytes({0x82, 0x01, 3, 9, 5, 7})));
   // The unpacked reader goes on under the packed tag while capacity is
   // spare: a packed run right after an unpacked 5 has its length (2) read as
   // a value, and its first value then reads as field 0.

@@ -29,6 +29,7 @@
 #include <google/protobuf/repeated_field.h>
 #include <google/protobuf/unknown_field_set.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
@@ -140,6 +141,23 @@ struct DefaultInstance {
 // when the input is malformed).
 using FieldRead = std::optional<const char*>;
 
+// Room for `more` further elements of a packed numeric field. The first
+// allocation holds at least four elements whatever the runtime's growth
+// policy: an unpacked element's reader goes on reading while the field has
+// spare capacity, and what it accepts must not depend on the element width.
+constexpr int kPackedFirstCapacity = 4;
+template <typename T>
+void ReservePacked(protobuf::RepeatedField<T>* values, int more) {
+  const int wanted = values->size() + more;
+  if (wanted <= values->Capacity()) return;
+  values->Reserve(values->Capacity() == 0 ? (std::max)(wanted, kPackedFirstCapacity) : wanted);
+}
+template <typename T>
+void AddPacked(protobuf::RepeatedField<T>* values, T value) {
+  ReservePacked(values, 1);
+  values->AddAlreadyReserved(value);
+}
+
 // The frame every message class shares: registration and reflection, the
 // unknown-field store, the cached size, and the copy, merge, swap, parse and
 // serialize protocol. Objects never belong to an arena: New(arena) with a
@@ -174,6 +192,13 @@ class MAV_PROTOBUF_EXPORT MessageFrame : public protobuf::Message {
   const char* _InternalParse(const char* ptr, ParseContext* ctx) final;
   uint8_t* _InternalSerialize(uint8_t* target,
                               EpsCopyOutputStream* stream) const final;
+  // The runtime's string serializers, except that the string grows while it
+  // is written instead of being zero-filled to its full size first, so a large
+  // array's bytes go to memory once. Called through a base class reference,
+  // the runtime's own versions run, with the same result.
+  bool SerializeToString(std::string* output) const;
+  bool AppendToString(std::string* output) const;
+  std::string SerializeAsString() const;
   // Writes the same bytes as serialization into caller-sized memory; sizes
   // cached by ByteSizeLong() must be current. Returns the end of the output.
   uint8_t* InternalSerializeWithCachedSizesToArray(bool deterministic,
@@ -608,7 +633,7 @@ class MAV_PROTOBUF_EXPORT ArrayFloat final
   int float_content_size() const { return values_.size(); }
   float float_content(int index) const { return values_.Get(index); }
   void set_float_content(int index, float value) { values_.Set(index, value); }
-  void add_float_content(float value) { values_.Add(value); }
+  void add_float_content(float value) { internal::AddPacked(&values_, value); }
   void clear_float_content() { values_.Clear(); }
   const protobuf::RepeatedField<float>& float_content() const { return values_; }
   protobuf::RepeatedField<float>* mutable_float_content() { return &values_; }
@@ -631,7 +656,7 @@ class MAV_PROTOBUF_EXPORT ArrayDouble final
   int double_content_size() const { return values_.size(); }
   double double_content(int index) const { return values_.Get(index); }
   void set_double_content(int index, double value) { values_.Set(index, value); }
-  void add_double_content(double value) { values_.Add(value); }
+  void add_double_content(double value) { internal::AddPacked(&values_, value); }
   void clear_double_content() { values_.Clear(); }
   const protobuf::RepeatedField<double>& double_content() const { return values_; }
   protobuf::RepeatedField<double>* mutable_double_content() { return &values_; }
@@ -680,7 +705,7 @@ class MAV_PROTOBUF_EXPORT ArrayInt16 final
   int int16_content_size() const { return values_.size(); }
   int32_t int16_content(int index) const { return values_.Get(index); }
   void set_int16_content(int index, int32_t value) { values_.Set(index, value); }
-  void add_int16_content(int32_t value) { values_.Add(value); }
+  void add_int16_content(int32_t value) { internal::AddPacked(&values_, value); }
   void clear_int16_content() { values_.Clear(); }
   const protobuf::RepeatedField<int32_t>& int16_content() const { return values_; }
   protobuf::RepeatedField<int32_t>* mutable_int16_content() { return &values_; }
@@ -703,7 +728,7 @@ class MAV_PROTOBUF_EXPORT ArrayInt32 final
   int int32_content_size() const { return values_.size(); }
   int32_t int32_content(int index) const { return values_.Get(index); }
   void set_int32_content(int index, int32_t value) { values_.Set(index, value); }
-  void add_int32_content(int32_t value) { values_.Add(value); }
+  void add_int32_content(int32_t value) { internal::AddPacked(&values_, value); }
   void clear_int32_content() { values_.Clear(); }
   const protobuf::RepeatedField<int32_t>& int32_content() const { return values_; }
   protobuf::RepeatedField<int32_t>* mutable_int32_content() { return &values_; }
@@ -726,7 +751,7 @@ class MAV_PROTOBUF_EXPORT ArrayInt64 final
   int int64_content_size() const { return values_.size(); }
   int64_t int64_content(int index) const { return values_.Get(index); }
   void set_int64_content(int index, int64_t value) { values_.Set(index, value); }
-  void add_int64_content(int64_t value) { values_.Add(value); }
+  void add_int64_content(int64_t value) { internal::AddPacked(&values_, value); }
   void clear_int64_content() { values_.Clear(); }
   const protobuf::RepeatedField<int64_t>& int64_content() const { return values_; }
   protobuf::RepeatedField<int64_t>* mutable_int64_content() { return &values_; }
@@ -776,7 +801,7 @@ class MAV_PROTOBUF_EXPORT ArrayUnsignedInt16 final
   int unsignedint16_content_size() const { return values_.size(); }
   uint32_t unsignedint16_content(int index) const { return values_.Get(index); }
   void set_unsignedint16_content(int index, uint32_t value) { values_.Set(index, value); }
-  void add_unsignedint16_content(uint32_t value) { values_.Add(value); }
+  void add_unsignedint16_content(uint32_t value) { internal::AddPacked(&values_, value); }
   void clear_unsignedint16_content() { values_.Clear(); }
   const protobuf::RepeatedField<uint32_t>& unsignedint16_content() const { return values_; }
   protobuf::RepeatedField<uint32_t>* mutable_unsignedint16_content() { return &values_; }
@@ -799,7 +824,7 @@ class MAV_PROTOBUF_EXPORT ArrayUnsignedInt32 final
   int unsignedint32_content_size() const { return values_.size(); }
   uint32_t unsignedint32_content(int index) const { return values_.Get(index); }
   void set_unsignedint32_content(int index, uint32_t value) { values_.Set(index, value); }
-  void add_unsignedint32_content(uint32_t value) { values_.Add(value); }
+  void add_unsignedint32_content(uint32_t value) { internal::AddPacked(&values_, value); }
   void clear_unsignedint32_content() { values_.Clear(); }
   const protobuf::RepeatedField<uint32_t>& unsignedint32_content() const { return values_; }
   protobuf::RepeatedField<uint32_t>* mutable_unsignedint32_content() { return &values_; }
@@ -822,7 +847,7 @@ class MAV_PROTOBUF_EXPORT ArrayUnsignedInt64 final
   int unsignedint64_content_size() const { return values_.size(); }
   uint64_t unsignedint64_content(int index) const { return values_.Get(index); }
   void set_unsignedint64_content(int index, uint64_t value) { values_.Set(index, value); }
-  void add_unsignedint64_content(uint64_t value) { values_.Add(value); }
+  void add_unsignedint64_content(uint64_t value) { internal::AddPacked(&values_, value); }
   void clear_unsignedint64_content() { values_.Clear(); }
   const protobuf::RepeatedField<uint64_t>& unsignedint64_content() const { return values_; }
   protobuf::RepeatedField<uint64_t>* mutable_unsignedint64_content() { return &values_; }
@@ -845,7 +870,7 @@ class MAV_PROTOBUF_EXPORT ArrayBool final
   int bool_content_size() const { return values_.size(); }
   bool bool_content(int index) const { return values_.Get(index); }
   void set_bool_content(int index, bool value) { values_.Set(index, value); }
-  void add_bool_content(bool value) { values_.Add(value); }
+  void add_bool_content(bool value) { internal::AddPacked(&values_, value); }
   void clear_bool_content() { values_.Clear(); }
   const protobuf::RepeatedField<bool>& bool_content() const { return values_; }
   protobuf::RepeatedField<bool>* mutable_bool_content() { return &values_; }
@@ -1047,7 +1072,7 @@ class MAV_PROTOBUF_EXPORT ArrayDataUnion final
   int dimensions_size() const { return dimensions_.size(); }
   uint32_t dimensions(int index) const { return dimensions_.Get(index); }
   void set_dimensions(int index, uint32_t value) { dimensions_.Set(index, value); }
-  void add_dimensions(uint32_t value) { dimensions_.Add(value); }
+  void add_dimensions(uint32_t value) { internal::AddPacked(&dimensions_, value); }
   void clear_dimensions() { dimensions_.Clear(); }
   const protobuf::RepeatedField<uint32_t>& dimensions() const { return dimensions_; }
   protobuf::RepeatedField<uint32_t>* mutable_dimensions() { return &dimensions_; }

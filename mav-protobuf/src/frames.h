@@ -7,6 +7,11 @@
 #include "Mav.pb.h"
 #include "wire.h"
 
+#include <google/protobuf/io/zero_copy_stream.h>
+
+#include <algorithm>
+#include <climits>
+
 namespace Tarnwick {
 namespace MavProtobuf {
 namespace internal {
@@ -113,6 +118,59 @@ uint8_t* MessageFrame<Derived>::_InternalSerialize(uint8_t* target,
         target, stream);
   }
   return target;
+}
+
+// A string that grows a piece at a time as the serializer asks for room, into
+// capacity reserved up front: the zero fill that growing a std::string
+// requires then touches each piece just before it is written, while it is in
+// cache, rather than the whole output once more.
+class StringAppendStream final : public protobuf::io::ZeroCopyOutputStream {
+ public:
+  explicit StringAppendStream(std::string* output) : output_(output), start_(output->size()) {}
+  bool Next(void** data, int* size) override {
+    constexpr size_t kPiece = 16 * 1024;
+    const size_t old_size = output_->size();
+    const size_t spare = output_->capacity() - old_size;
+    const size_t piece = spare > 0 ? std::min(spare, kPiece) : kPiece;
+    output_->resize(old_size + piece);
+    *data = &(*output_)[old_size];
+    *size = static_cast<int>(piece);
+    return true;
+  }
+  void BackUp(int count) override { output_->resize(output_->size() - static_cast<size_t>(count)); }
+  int64_t ByteCount() const override { return static_cast<int64_t>(output_->size() - start_); }
+
+ private:
+  std::string* output_;
+  size_t start_;
+};
+
+template <typename Derived>
+bool MessageFrame<Derived>::AppendToString(std::string* output) const {
+  const size_t size = ByteSizeLong();
+  if (size > static_cast<size_t>(INT_MAX)) {
+    GOOGLE_LOG(ERROR) << GetTypeName() << " exceeded maximum protobuf size of 2GB: " << size;
+    return false;
+  }
+  // The serializer asks for room a little past the end of what it writes.
+  output->reserve(output->size() + size + 64);
+  StringAppendStream stream(output);
+  protobuf::io::CodedOutputStream coded(&stream);
+  SerializeWithCachedSizes(&coded);
+  return true;
+}
+
+template <typename Derived>
+bool MessageFrame<Derived>::SerializeToString(std::string* output) const {
+  output->clear();
+  return AppendToString(output);
+}
+
+template <typename Derived>
+std::string MessageFrame<Derived>::SerializeAsString() const {
+  std::string output;
+  if (!AppendToString(&output)) output.clear();
+  return output;
 }
 
 template <typename Derived>
@@ -235,7 +293,9 @@ void ScalarPairFrame<Derived, First, Second>::SwapFields(ScalarPairFrame* other)
 
 template <typename Derived, typename Element>
 PackedArrayFrame<Derived, Element>::PackedArrayFrame(const PackedArrayFrame& from)
-    : MessageFrame<Derived>(from), values_(from.values_) {}
+    : MessageFrame<Derived>(from) {
+  MergeFields(from);
+}
 
 template <typename Derived, typename Element>
 PackedArrayFrame<Derived, Element>::PackedArrayFrame(PackedArrayFrame&& from) noexcept
@@ -285,7 +345,7 @@ uint8_t* PackedArrayFrame<Derived, Element>::WriteFields(uint8_t* target,
 
 template <typename Derived, typename Element>
 void PackedArrayFrame<Derived, Element>::MergeFields(const PackedArrayFrame& from) {
-  values_.MergeFrom(from.values_);
+  wire::Packed<Element>::Append(&values_, from.values_);
 }
 
 template <typename Derived, typename Element>

@@ -248,7 +248,7 @@ uint8_t* ArrayDataUnion::WriteFields(uint8_t* target,
 }
 
 void ArrayDataUnion::MergeFields(const ArrayDataUnion& from) {
-  dimensions_.MergeFrom(from.dimensions_);
+  wire::Packed<uint32_t>::Append(&dimensions_, from.dimensions_);
   if (!from.dataorder().empty()) dataorder_.Set(from.dataorder(), nullptr);
   if (from.content_case() != CONTENT_NOT_SET) {
     wire::MergeMessageMember(&content_, from.content_,

@@ -5,12 +5,14 @@
 #define MAV_PROTOBUF_SRC_WIRE_H_
 
 #include "Mav.pb.h"
+#include "varint.h"
 
 #include <google/protobuf/io/coded_stream.h>
 #include <google/protobuf/parse_context.h>
 #include <google/protobuf/wire_format.h>
 #include <google/protobuf/wire_format_lite.h>
 
+#include <algorithm>
 #include <cstring>
 #include <type_traits>
 
@@ -76,22 +78,15 @@ struct VarintCodec {
       return static_cast<T>(raw);
     }
   }
-  static uint64_t ToWire(T value) {
-    if constexpr (std::is_signed_v<T>) {
-      return static_cast<uint64_t>(static_cast<int64_t>(value));
-    } else {
-      return static_cast<uint64_t>(value);
-    }
-  }
   static const char* Read(const char* ptr, T* value) {
     uint64_t raw;
     ptr = protobuf::internal::VarintParse(ptr, &raw);
     if (ptr != nullptr) *value = FromWire(raw);
     return ptr;
   }
-  static size_t Size(T value) { return CodedOutputStream::VarintSize64(ToWire(value)); }
+  static size_t Size(T value) { return CodedOutputStream::VarintSize64(varint::ToWire(value)); }
   static uint8_t* Write(T value, uint8_t* target) {
-    return CodedOutputStream::WriteVarint64ToArray(ToWire(value), target);
+    return CodedOutputStream::WriteVarint64ToArray(varint::ToWire(value), target);
   }
   static bool IsZero(T value) { return value == 0; }
 };
@@ -116,6 +111,17 @@ const char* ReadValue(const char* ptr, ParseContext* ctx, T* value) {
   if (ptr == nullptr || (ctx->Done(&ptr) && ptr == nullptr)) return nullptr;
   *value = read;
   return ptr;
+}
+
+// Whether all `size` bytes at `ptr` are in memory already: within the current
+// message, and in the parse buffer or the 16 bytes it always holds past its
+// end. Only then may a reader look at the whole run before storing anything;
+// a length prefix alone proves nothing, it may promise bytes the input does
+// not have. Short runs are not worth asking about and answer false.
+inline bool IsBuffered(ParseContext* ctx, const char* ptr, int size) {
+  constexpr int kSlop = ParseContext::kSlopBytes;
+  return size > kSlop && size <= ctx->BytesUntilLimit(ptr) &&
+         ctx->DataAvailable(ptr + (size - kSlop - 1));
 }
 
 // A singular scalar field: tag and value.
@@ -161,14 +167,8 @@ struct Packed {
   static size_t PayloadSize(const Elements& values) {
     if constexpr (kBulk) {
       return sizeof(T) * static_cast<size_t>(values.size());
-    } else if constexpr (std::is_same_v<T, int32_t>) {
-      return WireFormatLite::Int32Size(values);
-    } else if constexpr (std::is_same_v<T, int64_t>) {
-      return WireFormatLite::Int64Size(values);
-    } else if constexpr (std::is_same_v<T, uint32_t>) {
-      return WireFormatLite::UInt32Size(values);
     } else {
-      return WireFormatLite::UInt64Size(values);
+      return varint::RunSize(values.data(), values.size());
     }
   }
 
@@ -196,24 +196,59 @@ struct Packed {
       return stream->WriteRaw(values.data(), static_cast<int>(sizeof(T)) * values.size(),
                               target);
     } else {
-      for (T value : values) {
-        target = stream->EnsureSpace(target);
-        target = Codec<T>::Write(value, target);
+      // A block at a time through a buffer on the stack, so no element needs
+      // a bounds check of its own.
+      constexpr int kBlock = 128;
+      uint8_t block[kBlock * varint::kMaxSize + varint::kEncodeSlack];
+      for (int first = 0; first < values.size(); first += kBlock) {
+        const int count = std::min(kBlock, values.size() - first);
+        const uint8_t* end = varint::EncodeRun(values.data() + first, count, block);
+        target = stream->WriteRaw(block, static_cast<int>(end - block), target);
       }
       return target;
     }
   }
 
-  // One packed run (length and elements), appended to `values`.
+  // Appends `from`, with the first allocation as every packed field has it.
+  static void Append(Elements* values, const Elements& from) {
+    if (from.empty()) return;
+    internal::ReservePacked(values, from.size());
+    values->MergeFrom(from);
+  }
+
+  // One packed run (length and elements), appended to `values`. A run that
+  // lies wholly in the buffer is sized once: fixed-width elements by its
+  // length, varints by counting their last bytes first. Otherwise the field
+  // grows as the stream delivers the run.
   static const char* ReadRun(Elements* values, const char* ptr, ParseContext* ctx) {
+    const char* const run = ptr;
+    const int size = protobuf::internal::ReadSize(&ptr);
+    if (ptr == nullptr) return nullptr;
+    if (size == 0) return ptr;
+    const bool buffered = IsBuffered(ctx, ptr, size);
     if constexpr (Codec<T>::kFixedWidth) {
-      const int size = static_cast<int>(protobuf::internal::ReadSize(&ptr));
-      if (ptr == nullptr) return nullptr;
+      internal::ReservePacked(values, buffered ? size / static_cast<int>(sizeof(T)) : 1);
       return ctx->ReadPackedFixed(ptr, size, values);
     } else {
+      // A run whose last varint is cut takes the stream's path, which fails
+      // it just as the runtime does.
+      if (buffered && static_cast<uint8_t>(ptr[size - 1]) < 0x80) {
+        return DecodeBufferedRun(values, ptr, ptr + size);
+      }
       return ctx->ReadPackedVarint(
-          ptr, [values](uint64_t raw) { values->Add(Codec<T>::FromWire(raw)); });
+          run, [values](uint64_t raw) { internal::AddPacked(values, Codec<T>::FromWire(raw)); });
     }
+  }
+
+  static const char* DecodeBufferedRun(Elements* values, const char* ptr, const char* end) {
+    const int count = varint::CountEnds(ptr, end);
+    internal::ReservePacked(values, count);
+    T* out = values->AddNAlreadyReserved(count);
+    int decoded;
+    ptr = varint::DecodeRun(ptr, end, count, out, &decoded,
+                            [](uint64_t raw) { return Codec<T>::FromWire(raw); });
+    values->Truncate(values->size() - (count - decoded));
+    return ptr;
   }
 
   // One element in its own tag. While the field has spare capacity, elements
@@ -226,7 +261,7 @@ struct Packed {
     T value;
     ptr = ReadValue(ptr, ctx, &value);
     if (ptr == nullptr) return nullptr;
-    values->Add(value);
+    internal::AddPacked(values, value);
     while (values->size() < values->Capacity()) {
       if (ctx->Done(&ptr)) return ptr;
       if (!protobuf::internal::ExpectTag<kContinuationTag>(ptr)) break;

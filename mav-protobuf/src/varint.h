@@ -1,0 +1,277 @@
+// Whole-run codecs for packed varint fields: counting, sizing, encoding and
+// decoding many varints at once, with no per-element bounds checks. Callers
+// guarantee the room: encoders get the worst case plus kEncodeSlack bytes,
+// decoders only input that is wholly in memory. The word-at-a-time forms are
+// portable integer arithmetic; where the processor has bit-field deposit and
+// extract instructions, they take the place of the arithmetic, chosen once at
+// run time. Internal to the library.
+#ifndef MAV_PROTOBUF_SRC_VARINT_H_
+#define MAV_PROTOBUF_SRC_VARINT_H_
+
+#include <google/protobuf/parse_context.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#include <immintrin.h>
+#define MAV_PROTOBUF_VARINT_BMI2 1
+#endif
+
+namespace Tarnwick {
+namespace MavProtobuf {
+namespace varint {
+
+constexpr uint64_t kHighBits = 0x8080808080808080u;
+constexpr uint64_t kLowBits = 0x7F7F7F7F7F7F7F7Fu;
+constexpr int kMaxSize = 10;
+// The encoder stores a whole word for a varint of fewer bytes.
+constexpr int kEncodeSlack = 8;
+
+inline uint64_t Load64(const char* p) {
+  uint64_t word;
+  std::memcpy(&word, p, sizeof(word));
+  return word;
+}
+
+// Signed values travel sign-extended to 64 bits (plain int32, not zigzag).
+template <typename T>
+uint64_t ToWire(T value) {
+  if constexpr (std::is_signed_v<T>) {
+    return static_cast<uint64_t>(static_cast<int64_t>(value));
+  } else {
+    return static_cast<uint64_t>(value);
+  }
+}
+
+// Bytes of one varint, by comparisons only, so that a loop over a run
+// vectorizes.
+template <typename T>
+size_t Size(T value) {
+  if constexpr (std::is_same_v<T, uint32_t>) {
+    return 1 + (value > 0x7F) + (value > 0x3FFF) + (value > 0x1FFFFF) + (value > 0xFFFFFFF);
+  } else if constexpr (std::is_same_v<T, int32_t>) {
+    return value < 0 ? kMaxSize : Size(static_cast<uint32_t>(value));
+  } else {
+    const uint64_t v = ToWire(value);
+    size_t size = 1;
+    for (int bits = 7; bits < 64; bits += 7) size += (v >> bits) != 0;
+    return size;
+  }
+}
+
+// Summed in 32-bit lanes a block at a time, which vectorizes well.
+template <typename T>
+inline size_t RunSizeWith(const T* values, int count) {
+  constexpr int kBlock = 1 << 16;
+  size_t size = 0;
+  for (int first = 0; first < count; first += kBlock) {
+    const int last = count - first < kBlock ? count : first + kBlock;
+    uint32_t block = 0;
+    for (int i = first; i < last; ++i) block += static_cast<uint32_t>(Size(values[i]));
+    size += block;
+  }
+  return size;
+}
+
+// Number of varints that end in [p, end): the bytes without the
+// continuation bit, counted eight at a time in byte lanes.
+inline int CountEnds(const char* p, const char* end) {
+  int count = 0;
+  while (end - p >= 8) {
+    uint64_t lanes = 0;
+    for (int word = 0; word < 255 && end - p >= 8; ++word, p += 8) {
+      lanes += (~Load64(p) & kHighBits) >> 7;
+    }
+    lanes = (lanes & 0x00FF00FF00FF00FFu) + ((lanes >> 8) & 0x00FF00FF00FF00FFu);
+    count += static_cast<int>((lanes * 0x0001000100010001u) >> 48);
+  }
+  for (; p < end; ++p) count += static_cast<uint8_t>(*p) < 0x80;
+  return count;
+}
+
+// The bytes 9 and 10 of a long varint; as on the runtime, bits past the 64th
+// are dropped.
+inline uint64_t AddHighBytes(uint64_t low, const char* p, ptrdiff_t size) {
+  low |= uint64_t{static_cast<uint8_t>(p[8]) & 0x7Fu} << 56;
+  if (size > 9) low |= uint64_t{static_cast<uint8_t>(p[9]) & 1u} << 63;
+  return low;
+}
+
+// The word operations the run codecs are made of: the ends of the varints
+// among 64 bytes (one bit a byte), the value of a varint of up to eight bytes
+// (the low seven bits of each byte, gathered), a value below 2^56 spread
+// seven bits a byte, and the continuation bits of a varint of `size` bytes.
+struct PortableBits {
+  static uint64_t Ends(const char* p) {
+    uint64_t bits = 0;
+    for (int word = 0; word < 8; ++word) {
+      const uint64_t ends = ~Load64(p + 8 * word) & kHighBits;
+      bits |= ((ends * 0x0002040810204081u) >> 56) << (8 * word);
+    }
+    return bits;
+  }
+  static uint64_t Gather(const char* p, ptrdiff_t size) {
+    uint64_t x = Load64(p) & kLowBits;
+    if (size < 8) x &= (uint64_t{1} << (8 * size)) - 1;
+    x = (x & 0x007F007F007F007Fu) | ((x & 0x7F007F007F007F00u) >> 1);
+    x = (x & 0x00003FFF00003FFFu) | ((x & 0x3FFF00003FFF0000u) >> 2);
+    return (x & 0x000000000FFFFFFFu) | ((x & 0x0FFFFFFF00000000u) >> 4);
+  }
+  static uint64_t Spread(uint64_t v) {
+    return (v & 0x7F) | ((v << 1) & 0x7F00) | ((v << 2) & 0x7F0000) | ((v << 3) & 0x7F000000) |
+           ((v << 4) & 0x7F00000000) | ((v << 5) & 0x7F0000000000) |
+           ((v << 6) & 0x7F000000000000) | ((v << 7) & 0x7F00000000000000);
+  }
+  static uint64_t Marks(int size) { return kHighBits & ((uint64_t{1} << (8 * size - 8)) - 1); }
+};
+
+#ifdef MAV_PROTOBUF_VARINT_BMI2
+#define MAV_PROTOBUF_BMI2 __attribute__((target("bmi,bmi2")))
+struct Bmi2Bits {
+  static uint64_t Ends(const char* p) {
+    uint64_t bits = 0;
+    for (int block = 0; block < 4; ++block) {
+      const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * block));
+      bits |= uint64_t{static_cast<uint16_t>(~_mm_movemask_epi8(bytes))} << (16 * block);
+    }
+    return bits;
+  }
+  MAV_PROTOBUF_BMI2 static uint64_t Gather(const char* p, ptrdiff_t size) {
+    return _bzhi_u64(_pext_u64(Load64(p), kLowBits), static_cast<unsigned>(7 * size));
+  }
+  MAV_PROTOBUF_BMI2 static uint64_t Spread(uint64_t v) { return _pdep_u64(v, kLowBits); }
+  MAV_PROTOBUF_BMI2 static uint64_t Marks(int size) {
+    return _bzhi_u64(kHighBits, static_cast<unsigned>(8 * size - 8));
+  }
+};
+
+inline bool HasBmi2() {
+  static const bool has = (__builtin_cpu_init(), __builtin_cpu_supports("bmi2"));
+  return has;
+}
+inline bool HasAvx2() {
+  static const bool has = (__builtin_cpu_init(), __builtin_cpu_supports("avx2"));
+  return has;
+}
+#endif
+
+// Encodes `count` values at `out`, which has room for kMaxSize bytes a value
+// plus kEncodeSlack. A value below 2^56 is spread into one word and stored
+// whole; a longer one takes the byte loop.
+template <typename Bits, typename T>
+inline uint8_t* EncodeRunWith(const T* values, int count, uint8_t* out) {
+  for (int i = 0; i < count; ++i) {
+    uint64_t v = ToWire(values[i]);
+    if (v < (uint64_t{1} << 56)) {
+      uint64_t word = Bits::Spread(v);
+      const int size = (71 - __builtin_clzll(word | 1)) / 8;  // up to the highest non-zero byte
+      word |= Bits::Marks(size);
+      std::memcpy(out, &word, sizeof(word));
+      out += size;
+    } else {
+      while (v >= 0x80) {
+        *out++ = static_cast<uint8_t>(v | 0x80);
+        v >>= 7;
+      }
+      *out++ = static_cast<uint8_t>(v);
+    }
+  }
+  return out;
+}
+
+// Decodes the `count` varints that start at `p` into `out`, returning the
+// position after the last, or null at a varint longer than ten bytes (the
+// values before it are stored; `*decoded` says how many). The caller has
+// counted the varints, so all of them end before `end`; nothing at or past
+// `end` is read. The ends within 64 bytes are found at once, so the loop
+// walks a bit mask rather than waiting on each varint's length.
+template <typename Bits, typename T, typename FromWire>
+inline const char* DecodeRunWith(const char* p, const char* end, int count, T* out,
+                                 int* decoded, FromWire from_wire) {
+  T* const first = out;
+  // Every end within a whole window before `end` is one of those counted, and
+  // a word loaded at the window's last byte still ends before `end`.
+  while (end - p >= 64 + 8) {
+    uint64_t ends = Bits::Ends(p);
+    const char* start = p;
+    for (; ends != 0; ends &= ends - 1) {
+      const char* next = p + (static_cast<ptrdiff_t>(__builtin_ctzll(ends)) + 1);
+      const ptrdiff_t size = next - start;
+      if (size <= 8) {
+        *out++ = from_wire(Bits::Gather(start, size));
+      } else if (size <= kMaxSize) {
+        *out++ = from_wire(AddHighBytes(Bits::Gather(start, 8), start, size));
+      } else {
+        break;
+      }
+      start = next;
+    }
+    if (ends != 0 || start == p) {  // an overlong varint
+      p = nullptr;
+      break;
+    }
+    p = start;
+  }
+  while (p != nullptr && out - first < count) {
+    uint64_t raw;
+    p = ::google::protobuf::internal::VarintParse(p, &raw);
+    if (p != nullptr) *out++ = from_wire(raw);
+  }
+  *decoded = static_cast<int>(out - first);
+  return p;
+}
+
+#ifdef MAV_PROTOBUF_VARINT_BMI2
+template <typename T>
+MAV_PROTOBUF_BMI2 __attribute__((flatten)) uint8_t* EncodeRunBmi2(const T* values, int count,
+                                                                  uint8_t* out) {
+  return EncodeRunWith<Bmi2Bits>(values, count, out);
+}
+template <typename T, typename FromWire>
+MAV_PROTOBUF_BMI2 __attribute__((flatten)) const char* DecodeRunBmi2(
+    const char* p, const char* end, int count, T* out, int* decoded, FromWire from_wire) {
+  return DecodeRunWith<Bmi2Bits>(p, end, count, out, decoded, from_wire);
+}
+#endif
+
+#ifdef MAV_PROTOBUF_VARINT_BMI2
+// The same loop, compiled for vectors twice as wide.
+template <typename T>
+__attribute__((target("avx2"), flatten)) size_t RunSizeAvx2(const T* values, int count) {
+  return RunSizeWith(values, count);
+}
+#endif
+
+template <typename T>
+size_t RunSize(const T* values, int count) {
+#ifdef MAV_PROTOBUF_VARINT_BMI2
+  if (HasAvx2()) return RunSizeAvx2(values, count);
+#endif
+  return RunSizeWith(values, count);
+}
+
+template <typename T>
+uint8_t* EncodeRun(const T* values, int count, uint8_t* out) {
+#ifdef MAV_PROTOBUF_VARINT_BMI2
+  if (HasBmi2()) return EncodeRunBmi2(values, count, out);
+#endif
+  return EncodeRunWith<PortableBits>(values, count, out);
+}
+
+template <typename T, typename FromWire>
+const char* DecodeRun(const char* p, const char* end, int count, T* out, int* decoded,
+                      FromWire from_wire) {
+#ifdef MAV_PROTOBUF_VARINT_BMI2
+  if (HasBmi2()) return DecodeRunBmi2(p, end, count, out, decoded, from_wire);
+#endif
+  return DecodeRunWith<PortableBits>(p, end, count, out, decoded, from_wire);
+}
+
+}  // namespace varint
+}  // namespace MavProtobuf
+}  // namespace Tarnwick
+
+#endif  // MAV_PROTOBUF_SRC_VARINT_H_
