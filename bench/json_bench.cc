@@ -2,49 +2,12 @@
 // per element; W3, a map of 100 groups of 100 leaves, in ns per leaf.
 #include <benchmark/benchmark.h>
 
-#include <chrono>
-#include <cstdio>
-#include <vector>
-
 #include "MavJson.h"
-#include "MavValues.h"
+#include "workloads.h"
 
 namespace {
 
-using namespace Tarnwick::MavProtobuf;
-
-constexpr size_t kSide = 1024;
-constexpr int kGroups = 100;
-constexpr int kLeaves = 100;
-
-KVariant Image() {
-  std::vector<double> pixels(kSide * kSide);
-  for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = 0.001 * static_cast<double>(i % 65536) + 1.0 / 3.0;
-  KVariant image;
-  SetArray(image, pixels, Shape{kSide, kSide});
-  return image;
-}
-
-// Leaves cycle through float64, int32, 16-byte text, bool and duration.
-PropertyNode Tree() {
-  PropertyNode root;
-  char name[16];
-  for (int g = 0; g < kGroups; ++g) {
-    std::snprintf(name, sizeof(name), "group-%02d", g);
-    PropertyNode& group = Child(root, name);
-    for (int l = 0; l < kLeaves; ++l) {
-      std::snprintf(name, sizeof(name), "param-%02d", l);
-      switch (l % 5) {
-        case 0: SetLeaf(group, name, 0.5 * l + g); break;
-        case 1: SetLeaf(group, name, int32_t{l * 1000 - g}); break;
-        case 2: SetLeaf(group, name, "sixteen-byte-txt"); break;
-        case 3: SetLeaf(group, name, l % 2 == 0); break;
-        case 4: SetLeaf(group, name, std::chrono::microseconds(1500 * l + g)); break;
-      }
-    }
-  }
-  return root;
-}
+using namespace mav_bench;
 
 // Writes `message` to JSON, or reads it back, once per iteration, counting
 // `units` per pass.
@@ -67,10 +30,10 @@ void FromJsonPasses(benchmark::State& state, const Message& message, size_t unit
                                                benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-void W1ToJson(benchmark::State& state) { ToJsonPasses(state, Image(), kSide * kSide, "ns_per_element"); }
-void W1FromJson(benchmark::State& state) { FromJsonPasses(state, Image(), kSide * kSide, "ns_per_element"); }
-void W3ToJson(benchmark::State& state) { ToJsonPasses(state, Tree(), kGroups * kLeaves, "ns_per_leaf"); }
-void W3FromJson(benchmark::State& state) { FromJsonPasses(state, Tree(), kGroups * kLeaves, "ns_per_leaf"); }
+void W1ToJson(benchmark::State& state) { ToJsonPasses(state, DoubleGrid(), kGridSide * kGridSide, "ns_per_element"); }
+void W1FromJson(benchmark::State& state) { FromJsonPasses(state, DoubleGrid(), kGridSide * kGridSide, "ns_per_element"); }
+void W3ToJson(benchmark::State& state) { ToJsonPasses(state, GroupedParameters(), kGroups * kLeavesPerGroup, "ns_per_leaf"); }
+void W3FromJson(benchmark::State& state) { FromJsonPasses(state, GroupedParameters(), kGroups * kLeavesPerGroup, "ns_per_leaf"); }
 
 BENCHMARK(W1ToJson)->Unit(benchmark::kMillisecond);
 BENCHMARK(W1FromJson)->Unit(benchmark::kMillisecond);
