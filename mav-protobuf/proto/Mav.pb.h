@@ -1416,6 +1416,16 @@ class MAV_PROTOBUF_EXPORT PropertyMap_MapDataEntry_DoNotUse final
   // so that a bad key is reported with its entry kept.
   static bool ValidateKey(std::string*) { return true; }
   static bool ValidateValue(void*) { return true; }
+  // The runtime's entry counts a missing value as a missing required field;
+  // in this proto3 schema it stands for an empty node, as it does in the map.
+  bool IsInitialized() const final { return true; }
+  // ByteSizeLong() always counts the key and the value; the runtime's cached
+  // size counts only those that were set, so the array serializer, which
+  // trusts it, would disagree with the size. Both count both here.
+  int GetCachedSize() const final {
+    return 2 * kTagSize + KeyTypeHandler::GetCachedSize(key()) +
+           ValueTypeHandler::GetCachedSize(value());
+  }
 
   protobuf::Metadata GetMetadata() const final;
 
