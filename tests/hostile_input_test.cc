@@ -89,6 +89,7 @@ class HostileParse {
     return ok;
   }
   ~HostileParse() {
+    if (peak_ratio_ == 0) return;  // no input was long enough to tell
     std::printf("peak allocation of inputs of %zu bytes or more: %.1f bytes per input byte\n",
                 kLongInput, peak_ratio_);
     testing::Test::RecordProperty("peak_bytes_per_input_byte", std::to_string(peak_ratio_));
@@ -133,7 +134,7 @@ std::string Nested(int levels, bool through_maps) {
 }
 
 struct Case {
-  const char* name;
+  std::string name;
   const pb::Message& prototype;
   std::string input;
   bool parses;
@@ -206,13 +207,10 @@ std::vector<Case> HandMadeCases() {
       {"message", &PropertyList::default_instance()}};
   const std::pair<const char*, uint64_t> lengths[] = {
       {"one past the end", 4}, {"2^31 - 1", 0x7FFFFFFF}, {"2^31", 0x80000000},
-      {"2^32 - 1", 0xFFFFFFFF}, {"2^31 - 1 + 5", 0x80000004}};
-  static std::vector<std::string> names;
-  names.reserve(std::size(length_holders) * std::size(lengths));
+      {"2^32 - 1", 0xFFFFFFFF}, {"2^31 + 4", 0x80000004}};
   for (const auto& holder : length_holders) {
     for (const auto& length : lengths) {
-      names.push_back(std::string(holder.first) + " length " + length.first);
-      cases.push_back({names.back().c_str(), *holder.second,
+      cases.push_back({std::string(holder.first) + " length " + length.first, *holder.second,
                        "\x0A" + Varint(length.second) + std::string(3, '\0'), false});
     }
   }
@@ -220,7 +218,6 @@ std::vector<Case> HandMadeCases() {
 }
 
 TEST(HostileInput, HandMadeCasesFailOrPassAsExpected) {
-  std::string log;
   pb::LogHandler* previous = pb::SetLogHandler(nullptr);  // the UTF-8 check logs
   HostileParse parse;
   for (const Case& one : HandMadeCases()) {
