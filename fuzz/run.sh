@@ -22,7 +22,7 @@ rm -rf "$seeds"
 "$build/fuzz/mav_fuzz_seed_writer" "$seeds"
 mkdir -p "$build/fuzz/findings" "$build/fuzz/logs"
 
-export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1:suppressions=$PWD/fuzz/ubsan.supp"
+export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1:suppressions=$PWD/scripts/ubsan.supp"
 failed=0
 for fuzzer in "$build"/fuzz/*_fuzzer; do
   [ -x "$fuzzer" ] || continue
