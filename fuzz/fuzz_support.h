@@ -8,6 +8,7 @@
 #include <google/protobuf/io/coded_stream.h>
 #include <google/protobuf/io/zero_copy_stream_impl_lite.h>
 #include <google/protobuf/message.h>
+#include <google/protobuf/stubs/common.h>
 #include <google/protobuf/util/field_comparator.h>
 #include <google/protobuf/util/message_differencer.h>
 #include <google/protobuf/wire_format_lite.h>
@@ -143,8 +144,8 @@ struct Deliberate {
       if (field->type() == pb::FieldDescriptor::TYPE_MESSAGE) {
         Scan(field->message_type(), payload, field->is_map(), depth + 1);
       } else if (field->type() == pb::FieldDescriptor::TYPE_STRING &&
-                 !WireFormatLite::VerifyUtf8String(payload.data(), static_cast<int>(payload.size()),
-                                                   WireFormatLite::SERIALIZE, "")) {
+                 !pb::internal::IsStructurallyValidUTF8(payload.data(),
+                                                        static_cast<int>(payload.size()))) {
         non_utf8_key = true;
       }
     }

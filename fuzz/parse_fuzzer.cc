@@ -3,7 +3,6 @@
 // and reading again reaches a fixed point at once, copies, merges and swaps
 // keep it equal, and text and JSON bring it back.
 
-#include <google/protobuf/stubs/common.h>
 #include <google/protobuf/text_format.h>
 #include <google/protobuf/util/json_util.h>
 
