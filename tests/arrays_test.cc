@@ -73,6 +73,42 @@ TEST(PackedArrays, ElementsChangedAfterSizingKeepTheOldLength) {
   EXPECT_EQ(Hex(bytes), "0A 02 01 02 03");
 }
 
+// The array serializer writes every byte into the caller's memory, even when
+// a change after sizing made the output longer than the cached size, and
+// returns the end of what it wrote there. Bulk, varint and nested runs alike.
+TEST(PackedArrays, ArraySerializerWithAStaleSizeStaysInTheCallersMemory) {
+  auto write = [](const auto& message) {
+    std::string memory(600, '\xEE');
+    uint8_t* begin = reinterpret_cast<uint8_t*>(memory.data());
+    uint8_t* end = message.InternalSerializeWithCachedSizesToArray(false, begin);
+    EXPECT_TRUE(end >= begin && end <= begin + memory.size());
+    memory.resize(end >= begin && end <= begin + memory.size() ? size_t(end - begin) : 0);
+    return memory;
+  };
+  ArrayInt16 i16;
+  for (int value : {1, 2, 3}) i16.add_int16_content(value);
+  EXPECT_EQ(i16.ByteSizeLong(), 5u);
+  i16.add_int16_content(4);
+  EXPECT_EQ(Hex(write(i16)), "0A 03 01 02 03 04");
+
+  ArrayDouble doubles;  // grows past the stream's slop region
+  doubles.add_double_content(1);
+  doubles.ByteSizeLong();
+  for (int n = 0; n < 40; ++n) doubles.add_double_content(2);
+  const std::string wide = write(doubles);
+  ASSERT_EQ(wide.size(), 2u + 41 * 8);
+  EXPECT_EQ(Hex(wide.substr(0, 2)), "0A 08");
+  EXPECT_EQ(wide.substr(wide.size() - 8), std::string("\0\0\0\0\0\0\0\x40", 8));
+
+  ArrayDataUnion nested;
+  nested.mutable_int32_content()->add_int32_content(7);
+  nested.add_dimensions(1);
+  nested.ByteSizeLong();
+  nested.mutable_int32_content()->add_int32_content(8);
+  nested.add_dimensions(2);
+  EXPECT_EQ(Hex(write(nested)), "32 03 0A 01 07 08 82 01 01 01 02");
+}
+
 TEST(ByteArrays, OneByteStringThatIsReplacedNotAppended) {
   ArrayInt8 a;
   EXPECT_EQ(a.release_int8_content(), nullptr);

@@ -50,6 +50,19 @@ TEST(ScalarDataUnion, AccessorsSwitchMembers) {
   u.set_allocated_string_content(nullptr);
   EXPECT_EQ(u.content_case(), U::CONTENT_NOT_SET);
 
+  // The union holds the adopted string itself and hands that one back.
+  auto* adopted = new std::string(100, 'p');
+  u.set_float_content(1);
+  u.set_allocated_string_content(adopted);
+  EXPECT_EQ(&u.string_content(), adopted);
+  EXPECT_EQ(u.mutable_string_content(), adopted);
+  std::unique_ptr<std::string> back(u.release_string_content());
+  EXPECT_EQ(back.get(), adopted);
+  EXPECT_EQ(u.content_case(), U::CONTENT_NOT_SET);
+  u.mutable_string_content();  // set, though still the shared empty string
+  back.reset(u.release_string_content());
+  EXPECT_TRUE(back != nullptr && back->empty());
+
   u.mutable_complexfloat_content()->set_im_content(3);
   std::unique_ptr<ComplexFloat> released(u.release_complexfloat_content());
   EXPECT_EQ(released ? released->im_content() : 0, 3);

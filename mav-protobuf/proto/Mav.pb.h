@@ -418,15 +418,21 @@ struct Oneof {
     }
     return &slot.string;
   }
+  // The caller gets the very string the oneof held (a new empty one if the
+  // member never left the shared empty string).
   std::string* ReleaseString(uint32_t number) {
     if (!Holds(number)) return nullptr;
     case_number = 0;
+    if (slot.string.IsDefault()) return new std::string();
     return slot.string.Release();
   }
+  // Adopts `value` itself, without the copy the runtime's SetAllocated makes
+  // in its debug build: afterwards the member's address is `value`.
   void SetAllocatedString(uint32_t number, std::string* value) {
     Clear();
     if (value == nullptr) return;
-    SelectString(number)->SetAllocated(value, nullptr);
+    case_number = number;
+    slot.string.InitAllocated(value, nullptr);
   }
 
   template <typename T>
@@ -683,6 +689,8 @@ class MAV_PROTOBUF_EXPORT ArrayInt8 final : public internal::ByteArrayFrame<Arra
   void set_int8_content(const void* value, size_t size) { bytes_.SetBytes(value, size, nullptr); }
   std::string* mutable_int8_content() { return bytes_.Mutable(nullptr); }
   std::string* release_int8_content() { return bytes_.Release(); }
+  // The runtime adopts `value` in its release build but a copy of it in its
+  // debug build: keep using the accessor, not `value`, afterwards.
   void set_allocated_int8_content(std::string* value) { bytes_.SetAllocated(value, nullptr); }
   void clear_int8_content() { bytes_.ClearToEmpty(); }
 
@@ -779,6 +787,8 @@ class MAV_PROTOBUF_EXPORT ArrayUnsignedInt8 final
   void set_unsignedint8_content(const void* value, size_t size) { bytes_.SetBytes(value, size, nullptr); }
   std::string* mutable_unsignedint8_content() { return bytes_.Mutable(nullptr); }
   std::string* release_unsignedint8_content() { return bytes_.Release(); }
+  // The runtime adopts `value` in its release build but a copy of it in its
+  // debug build: keep using the accessor, not `value`, afterwards.
   void set_allocated_unsignedint8_content(std::string* value) { bytes_.SetAllocated(value, nullptr); }
   void clear_unsignedint8_content() { bytes_.ClearToEmpty(); }
 
@@ -1066,6 +1076,8 @@ class MAV_PROTOBUF_EXPORT ArrayDataUnion final
   void set_dataorder(const void* value, size_t size) { dataorder_.SetBytes(value, size, nullptr); }
   std::string* mutable_dataorder() { return dataorder_.Mutable(nullptr); }
   std::string* release_dataorder() { return dataorder_.Release(); }
+  // The runtime adopts `value` in its release build but a copy of it in its
+  // debug build: keep using the accessor, not `value`, afterwards.
   void set_allocated_dataorder(std::string* value) { dataorder_.SetAllocated(value, nullptr); }
   void clear_dataorder() { dataorder_.ClearToEmpty(); }
 
@@ -1313,6 +1325,8 @@ class MAV_PROTOBUF_EXPORT KVariant final : public internal::MessageFrame<KVarian
   void set_wellknowntype(const void* value, size_t size) { wellknowntype_.SetBytes(value, size, nullptr); }
   std::string* mutable_wellknowntype() { return wellknowntype_.Mutable(nullptr); }
   std::string* release_wellknowntype() { return wellknowntype_.Release(); }
+  // The runtime adopts `value` in its release build but a copy of it in its
+  // debug build: keep using the accessor, not `value`, afterwards.
   void set_allocated_wellknowntype(std::string* value) { wellknowntype_.SetAllocated(value, nullptr); }
   void clear_wellknowntype() { wellknowntype_.ClearToEmpty(); }
 
@@ -1427,6 +1441,16 @@ class MAV_PROTOBUF_EXPORT PropertyMap_MapDataEntry_DoNotUse final
   // so that a bad key is reported with its entry kept.
   static bool ValidateKey(std::string*) { return true; }
   static bool ValidateValue(void*) { return true; }
+  // The runtime's entry counts a missing value as a missing required field;
+  // in this proto3 schema it stands for an empty node, as it does in the map.
+  bool IsInitialized() const final { return true; }
+  // ByteSizeLong() always counts the key and the value; the runtime's cached
+  // size counts only those that were set, so the array serializer, which
+  // trusts it, would disagree with the size. Both count both here.
+  int GetCachedSize() const final {
+    return 2 * kTagSize + KeyTypeHandler::GetCachedSize(key()) +
+           ValueTypeHandler::GetCachedSize(value());
+  }
 
   protobuf::Metadata GetMetadata() const final;
 

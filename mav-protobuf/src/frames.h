@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <limits>
 
 namespace Tarnwick {
 namespace MavProtobuf {
@@ -173,10 +174,15 @@ std::string MessageFrame<Derived>::SerializeAsString() const {
   return output;
 }
 
+// The caller sized the memory; the cached size may be stale (a field changed
+// after ByteSizeLong()), and then the output is longer than it says. Bounding
+// the stream by the cached size would send the excess to the stream's scratch
+// buffer and return an end outside the caller's memory, so the stream is left
+// unbounded and every byte goes where the caller pointed.
 template <typename Derived>
 uint8_t* MessageFrame<Derived>::InternalSerializeWithCachedSizesToArray(
     bool deterministic, uint8_t* target) const {
-  EpsCopyOutputStream stream(target, GetCachedSize(), deterministic);
+  EpsCopyOutputStream stream(target, std::numeric_limits<int>::max(), deterministic);
   return _InternalSerialize(target, &stream);
 }
 

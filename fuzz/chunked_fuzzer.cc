@@ -1,0 +1,37 @@
+// Parses the same bytes in one piece and through a stream that hands them
+// over in blocks of 1 to 7 bytes: the two must agree on success and, when
+// both succeed, on every byte of the result.
+
+#include <memory>
+
+#include "fuzz_support.h"
+
+using namespace mav_fuzz;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  Input input;
+  if (!Split(data, size, &input)) return 0;
+  const int block = 1 + static_cast<int>(data[0] / MessageTypes().size()) % 7;
+  // Open finding: when the unpacked reader's continuation applies and the
+  // input then ends on a zero tag, the parse context reads the stream to its
+  // end, and the stream's final BackUp() aborts the process. The packed-array
+  // reader is being replaced; until then such inputs are not run here.
+  Deliberate deliberate;
+  deliberate.Scan(input.type, input.bytes, IsMapEntry(input.type));
+  if (deliberate.continuation) return 0;
+
+  std::unique_ptr<pb::Message> whole(NewOurs(input.type));
+  const bool whole_ok = whole->ParseFromString(input.bytes);
+
+  std::unique_ptr<pb::Message> chunked(NewOurs(input.type));
+  pb::io::ArrayInputStream blocks(input.bytes.data(), static_cast<int>(input.bytes.size()),
+                                  block);
+  bool chunked_ok;
+  {
+    pb::io::CodedInputStream coded(&blocks);
+    chunked_ok = chunked->ParseFromCodedStream(&coded) && coded.ConsumedEntireMessage();
+  }
+  MAV_FUZZ_CHECK(chunked_ok == whole_ok, input);
+  if (whole_ok) MAV_FUZZ_CHECK(Deterministic(*chunked) == Deterministic(*whole), input);
+  return 0;
+}
