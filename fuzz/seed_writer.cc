@@ -1,5 +1,6 @@
 // Writes the fuzzers' seed corpus into a directory: every message of random
-// trees, each prefixed with its type byte, and hand-made malformed inputs.
+// trees, each prefixed with its type byte, hand-made malformed inputs, and the
+// JSON import fuzzer's texts (first byte 0 for a node, 1 for a value).
 
 #include <google/protobuf/message.h>
 
@@ -9,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "MavJson.h"
 #include "fuzz_support.h"
 #include "random_messages.h"
 
@@ -22,8 +24,11 @@ class SeedDirectory {
     std::filesystem::create_directories(directory_);
   }
   bool Write(const pb::Descriptor* type, const std::string& bytes) {
+    return Write(mav_fuzz::TypeByte(type), bytes);
+  }
+  bool Write(uint8_t first, const std::string& bytes) {
     std::ofstream out(directory_ / ("seed-" + std::to_string(count_++)), std::ios::binary);
-    out.put(static_cast<char>(mav_fuzz::TypeByte(type)));
+    out.put(static_cast<char>(first));
     out << bytes;
     return static_cast<bool>(out);
   }
@@ -72,6 +77,41 @@ std::vector<std::pair<const pb::Descriptor*, std::string>> Malformed() {
   };
 }
 
+constexpr uint8_t kJsonNode = 0;
+constexpr uint8_t kJsonValue = 1;
+
+// Texts that each break one rule of the natural JSON form.
+std::vector<std::pair<uint8_t, std::string>> MalformedJson() {
+  return {
+      {kJsonNode, R"({"a": [1.0, {"$int32": 3}, "x")"},                    // truncated
+      {kJsonNode, R"({"a": 1.0, "a": 2.0})"},                              // duplicate key
+      {kJsonNode, R"({"$int128": 5})"},                                    // unknown kind tag
+      {kJsonNode, R"({"$int32": 1, "extra": 2})"},                         // tag with a sibling
+      {kJsonValue, R"({"$complex64": [1.0]})"},                            // wrong shape
+      {kJsonValue, R"({"$array": "int8", "shape": [2, 2], "data": [1, 2, 3]})"},
+      {kJsonValue, R"({"$uint8": 256})"},                                  // out of range
+      {kJsonValue, R"({"$int64": 9223372036854775808})"},
+      {kJsonValue, R"({"$int32": 1.5})"},                                  // fraction for an integer
+      {kJsonValue, R"({"$float32": 1e39})"},
+      {kJsonValue, R"({"$datetime64": "2024-13-01T00:00:00Z"})"},
+      {kJsonNode, std::string(200, '[') + std::string(200, ']')},          // deep nesting
+      {kJsonNode, "{\"k\xFF\": null}"},                                 // key not UTF-8
+      {kJsonNode, "null garbage"},                                         // text after the value
+  };
+}
+
+// The JSON of a random tree and of a value found in it, as the fuzzer reads
+// them: unknown fields have no JSON form, so they are dropped first.
+bool WriteJson(SeedDirectory* seeds, PropertyNode tree) {
+  tree.DiscardUnknownFields();
+  const std::string compact = ToJson(tree);
+  bool ok = seeds->Write(kJsonNode, compact) && seeds->Write(kJsonNode, ToJson(tree, {true}));
+  if (tree.has_value_type()) ok &= seeds->Write(kJsonValue, ToJson(tree.value_type()));
+  for (const PropertyNode& item : tree.list_type().list_data()) ok &= WriteJson(seeds, item);
+  for (const auto& entry : tree.map_type().map_data()) ok &= WriteJson(seeds, entry.second);
+  return ok;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -87,8 +127,10 @@ int main(int argc, char** argv) {
     PropertyNode tree;
     maker.Node(&tree, 2 + random.Below(3));
     ok &= seeds.WriteAll(tree);
+    if (seed <= 8) ok &= WriteJson(&seeds, tree);
   }
   for (const auto& input : Malformed()) ok &= seeds.Write(input.first, input.second);
+  for (const auto& input : MalformedJson()) ok &= seeds.Write(input.first, input.second);
   if (!ok) {
     std::fprintf(stderr, "%s: cannot write the seed corpus\n", argv[1]);
     return 1;
