@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
 """Folds the JSON of several benchmark processes into one table of medians.
 
-Benchmarks are named workload/implementation/operation and carry the
-workload's element count as the counter "items". Heap lines come from the
+Benchmarks of the suite are named workload/implementation/operation and carry
+the workload's element count as the counter "items"; any other benchmark (the
+value-layer and JSON programs) is listed on its own with its median CPU time
+and counters. Heap lines come from the
 programs' --heap mode: heap<TAB>workload/implementation/op<TAB>peak<TAB>retained.
 """
 import glob
@@ -20,16 +22,25 @@ OPERATIONS = ["byte_size", "size_serialize_array", "serialize_string", "serializ
 def load_times(folder):
     times = defaultdict(list)  # (workload, implementation, op) -> [ns per iteration]
     items = {}
+    others = defaultdict(list)  # name -> [(ns per iteration, counters)]
     for path in sorted(glob.glob(os.path.join(folder, "*.json"))):
         with open(path) as handle:
             report = json.load(handle)
         for run in report["benchmarks"]:
             if run.get("error_occurred"):
                 continue
-            workload, implementation, op = run["name"].split("/")[:3]
+            parts = run["name"].split("/")
+            if len(parts) < 3 or "items" not in run:
+                counters = {k: v for k, v in run.items() if isinstance(v, float) and k not in
+                            ("real_time", "cpu_time", "iterations", "repetitions", "repetition_index",
+                             "threads", "family_index", "per_family_instance_index")}
+                others[run["name"]].append((run["cpu_time"] * UNIT_NS[run["time_unit"]], counters))
+                continue
+            workload, implementation, op = parts[:3]
             times[(workload, implementation, op)].append(run["cpu_time"] * UNIT_NS[run["time_unit"]])
             items[workload] = run.get("items", 1)
-    return {key: statistics.median(values) for key, values in times.items()}, items
+    medians = {key: statistics.median(values) for key, values in times.items()}
+    return medians, items, others
 
 
 def load_heap(folder):
@@ -47,7 +58,7 @@ def mib(size):
 
 
 def main(folder):
-    times, items = load_times(folder)
+    times, items, others = load_times(folder)
     heap = load_heap(folder)
     workloads = sorted({key[0] for key in times}, key=lambda w: (not w.startswith("W"), w))
     print("| workload | op | ours ns/item | memcpy time / ours | speed-up over DynamicMessage | speed-up over Struct | peak heap (ours / dynamic / struct) |")
@@ -73,6 +84,18 @@ def main(folder):
     print("|---|---|---|")
     for (workload, implementation), (peak, retained) in sorted(heap.items()):
         print("| %s %s | %s | %s |" % (workload, implementation, mib(peak), mib(retained)))
+    if others:
+        print()
+        print("| benchmark | median CPU time | counters (median) |")
+        print("|---|---|---|")
+        for name, runs in sorted(others.items()):
+            cpu = statistics.median(ns for ns, _ in runs)
+            keys = sorted({k for _, counters in runs for k in counters})
+            # Inverted rate counters (ns_per_*) come in seconds.
+            scale = lambda k: 1e9 if k.startswith("ns_per") else 1.0
+            shown = ", ".join("%s=%.4g" % (k, scale(k) * statistics.median(c[k] for _, c in runs if k in c))
+                              for k in keys)
+            print("| %s | %.0f ns | %s |" % (name, cpu, shown))
 
 
 if __name__ == "__main__":
