@@ -191,6 +191,7 @@ uint8_t* MessageFrame<Derived>::InternalSerializeWithCachedSizesToArray(
 // other tag a class does not take is kept as an unknown field.
 template <typename Derived>
 const char* MessageFrame<Derived>::_InternalParse(const char* ptr, ParseContext* ctx) {
+  const wire::OutermostParse outermost(ctx, ptr);
   while (!ctx->Done(&ptr)) {
     uint32_t tag;
     ptr = protobuf::internal::ReadTag(ptr, &tag);

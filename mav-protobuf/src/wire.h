@@ -13,6 +13,8 @@
 #include <google/protobuf/wire_format_lite.h>
 
 #include <algorithm>
+#include <climits>
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 
@@ -123,6 +125,63 @@ inline bool IsBuffered(ParseContext* ctx, const char* ptr, int size) {
   return size > kSlop && size <= ctx->BytesUntilLimit(ptr) &&
          ctx->DataAvailable(ptr + (size - kSlop - 1));
 }
+
+// A parse context that reads a stream through a CodedInputStream decides at
+// the end of each buffer whether to ask the stream for more, so that a
+// message ending in a zero tag leaves the stream just past that tag: it reads
+// the buffer's last bytes ahead of the parse, by the plain wire format. The
+// unpacked readers' continuation reads a packed tag differently (as one
+// element, not as a length and a payload), and on bytes that the look-ahead
+// reads too the two disagree on where fields and zero tags stand: the context
+// then stops short of the stream's end, or reads past a zero tag it can no
+// longer return to. So the continuation runs freely only where no look-ahead
+// happens: in a parse whose whole input is bounded from the start (one flat
+// buffer, or a stream with a known length). Elsewhere it reads only elements
+// that lie wholly in the stream's own memory before the buffer's end, which
+// the look-ahead never reads.
+//
+// Whether the current parse is bounded is known when the outermost message
+// starts and is kept for its nested messages while it runs.
+inline thread_local const ParseContext* bounded_parse = nullptr;
+
+// Whether `ptr` lies in the context's own small buffer, where it copies the
+// seams between a stream's blocks and the end of a flat input.
+inline bool InPatchBuffer(const ParseContext* ctx, const char* ptr) {
+  const auto address = reinterpret_cast<std::uintptr_t>(ptr);
+  const auto context = reinterpret_cast<std::uintptr_t>(ctx);
+  return address >= context && address < context + sizeof(ParseContext);
+}
+
+// Whether `ptr` is in a stream's own memory, short of the buffer's end.
+inline bool IsOwnChunk(ParseContext* ctx, const char* ptr) {
+  return ctx->DataAvailable(ptr) && !InPatchBuffer(ctx, ptr);
+}
+
+inline bool ReadsBoundedInput(const ParseContext* ctx) { return bounded_parse == ctx; }
+
+// Marks the parse as bounded while the outermost message is read. A context
+// over a stream of unknown length counts its limit down from INT_MAX, less at
+// most the few bytes of a first block it copied into its own buffer; a flat
+// input or a stream read with a known size counts down from that size.
+class OutermostParse {
+ public:
+  OutermostParse(ParseContext* ctx, const char* ptr) {
+    if (ctx->depth() != protobuf::io::CodedInputStream::GetDefaultRecursionLimit()) return;
+    saved_ = bounded_parse;
+    restore_ = true;
+    constexpr int kUnknownLength = INT_MAX - 2 * ParseContext::kSlopBytes;
+    bounded_parse = ctx->BytesUntilLimit(ptr) < kUnknownLength ? ctx : nullptr;
+  }
+  ~OutermostParse() {
+    if (restore_) bounded_parse = saved_;
+  }
+  OutermostParse(const OutermostParse&) = delete;
+  OutermostParse& operator=(const OutermostParse&) = delete;
+
+ private:
+  const ParseContext* saved_ = nullptr;
+  bool restore_ = false;
+};
 
 // A singular scalar field: tag and value.
 template <typename T>
@@ -255,6 +314,8 @@ struct Packed {
   // that follow under `kContinuationTag` (the packed tag, deliberately) are
   // read as further single elements of the same kind; so an unpacked element
   // directly followed by a packed run reads the run's length as an element.
+  // Outside one bounded input the continuation stays on bytes no look-ahead
+  // sees (see ReadsBoundedInput) and leaves the rest to the parse loop.
   template <uint32_t kContinuationTag>
   static const char* ReadUnpacked(Elements* values, const char* ptr, ParseContext* ctx) {
     constexpr int kContinuationSize = kContinuationTag < 128 ? 1 : 2;
@@ -262,15 +323,26 @@ struct Packed {
     ptr = ReadValue(ptr, ctx, &value);
     if (ptr == nullptr) return nullptr;
     internal::AddPacked(values, value);
+    const bool bounded = ReadsBoundedInput(ctx);
     while (values->size() < values->Capacity()) {
-      if (ctx->Done(&ptr)) return ptr;
+      if (bounded) {
+        if (ctx->Done(&ptr)) return ptr;
+      } else if (!IsOwnChunk(ctx, ptr)) {
+        break;
+      }
       if (!protobuf::internal::ExpectTag<kContinuationTag>(ptr)) break;
       if (Codec<T>::kFixedWidth &&
           ctx->BytesUntilLimit(ptr) < kContinuationSize + static_cast<int>(sizeof(T))) {
         break;
       }
-      ptr = ReadValue(ptr + kContinuationSize, ctx, &value);
-      if (ptr == nullptr) return nullptr;
+      if (bounded) {
+        ptr = ReadValue(ptr + kContinuationSize, ctx, &value);
+        if (ptr == nullptr) return nullptr;
+      } else {
+        const char* end = Codec<T>::Read(ptr + kContinuationSize, &value);
+        if (end == nullptr || !ctx->DataAvailable(end - 1)) break;
+        ptr = end;
+      }
       values->AddAlreadyReserved(value);
     }
     return ptr;
