@@ -5,6 +5,7 @@
 #include <google/protobuf/io/coded_stream.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -44,7 +45,7 @@ void ExpectCodecMatchesTheRuntime() {
   EXPECT_EQ(varint::RunSize(values.data(), static_cast<int>(values.size())), expected.size());
   EXPECT_EQ(varint::RunSizeWith(values.data(), static_cast<int>(values.size())), expected.size());
 
-  const int count = varint::CountEnds(expected.data(), expected.data() + expected.size());
+  const int count = Bits::CountEnds(expected.data(), expected.data() + expected.size());
   ASSERT_EQ(count, static_cast<int>(values.size()));
   std::vector<uint64_t> decoded(values.size());
   int n = 0;
@@ -57,23 +58,69 @@ void ExpectCodecMatchesTheRuntime() {
   // An eleven-byte varint stops the run at any position in the window.
   for (size_t at : {0u, 5u, 63u, 64u, 100u}) {
     std::string bad = expected.substr(0, 200);
-    const int before = varint::CountEnds(bad.data(), bad.data() + at);
+    const int before = Bits::CountEnds(bad.data(), bad.data() + at);
     bad.insert(at, std::string(10, '\x80') + '\x01');
     std::vector<uint64_t> out(200);
     after = varint::DecodeRunWith<Bits>(bad.data(), bad.data() + bad.size(),
-                                        varint::CountEnds(bad.data(), bad.data() + bad.size()), out.data(), &n,
+                                        Bits::CountEnds(bad.data(), bad.data() + bad.size()), out.data(), &n,
                                         [](uint64_t raw) { return raw; });
     EXPECT_EQ(after, nullptr) << at;
     EXPECT_EQ(n, before) << at;
   }
 }
 
-TEST(VarintCodec, PortableFormMatchesTheRuntime) { ExpectCodecMatchesTheRuntime<varint::PortableBits>(); }
+// Short varints are decoded four at a time where the four are all of one to
+// three bytes. Every sequence of four lengths from 1, 2, 3, 4 and 10 bytes
+// follows a prefix of 0 to 63 one-byte varints, so each mix starts at every
+// offset of a 64-byte window and crosses its end.
+template <typename Bits>
+void ExpectEveryMixOfShortLengthsDecodes() {
+  const int lengths[] = {1, 2, 3, 4, 10};
+  std::vector<uint64_t> mixes;
+  for (int code = 0; code < 5 * 5 * 5 * 5; ++code) {
+    for (int k = 0, rest = code; k < 4; ++k, rest /= 5) {
+      const int size = lengths[rest % 5];
+      mixes.push_back(size == 1 ? 0x55 : (uint64_t{1} << (7 * (size - 1))) + 0x2A);
+    }
+  }
+  for (int prefix = 0; prefix < 64; ++prefix) {
+    std::vector<uint64_t> values(static_cast<size_t>(prefix), 0);
+    values.insert(values.end(), mixes.begin(), mixes.end());
+    const std::string bytes = RuntimeEncoding(values);
+    const char* end = bytes.data() + bytes.size();
+    ASSERT_EQ(Bits::CountEnds(bytes.data(), end), static_cast<int>(values.size()));
+    std::vector<uint64_t> decoded(values.size());
+    int n = 0;
+    const char* after = varint::DecodeRunWith<Bits>(bytes.data(), end, static_cast<int>(values.size()),
+                                                    decoded.data(), &n, [](uint64_t raw) { return raw; });
+    EXPECT_EQ(after, end) << prefix;
+    ASSERT_EQ(n, static_cast<int>(values.size())) << prefix;
+    EXPECT_EQ(decoded, values) << prefix;
+    // The same bytes into 32-bit elements and into bools, which store a group
+    // differently.
+    std::vector<uint32_t> narrow(values.size());
+    varint::DecodeRunWith<Bits>(bytes.data(), end, static_cast<int>(values.size()), narrow.data(), &n,
+                                [](uint64_t raw) { return static_cast<uint32_t>(raw); });
+    std::unique_ptr<bool[]> bools(new bool[values.size()]);
+    varint::DecodeRunWith<Bits>(bytes.data(), end, static_cast<int>(values.size()), bools.get(), &n,
+                                [](uint64_t raw) { return raw != 0; });
+    for (size_t i = 0; i < values.size(); ++i) {
+      ASSERT_EQ(narrow[i], static_cast<uint32_t>(values[i])) << prefix << " at " << i;
+      ASSERT_EQ(bools[i], values[i] != 0) << prefix << " at " << i;
+    }
+  }
+}
 
-#ifdef MAV_PROTOBUF_VARINT_BMI2
-TEST(VarintCodec, BitFieldInstructionFormMatchesTheRuntime) {
-  if (!varint::HasBmi2()) GTEST_SKIP() << "this processor lacks the instructions";
-  ExpectCodecMatchesTheRuntime<varint::Bmi2Bits>();
+TEST(VarintCodec, PortableFormMatchesTheRuntime) {
+  ExpectCodecMatchesTheRuntime<varint::PortableBits>();
+  ExpectEveryMixOfShortLengthsDecodes<varint::PortableBits>();
+}
+
+#ifdef MAV_PROTOBUF_VARINT_SIMD
+TEST(VarintCodec, VectorFormMatchesTheRuntime) {
+  if (!varint::HasSimd()) GTEST_SKIP() << "this processor lacks the instructions";
+  ExpectCodecMatchesTheRuntime<varint::SimdBits>();
+  ExpectEveryMixOfShortLengthsDecodes<varint::SimdBits>();
 }
 #endif
 
