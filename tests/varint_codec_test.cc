@@ -69,58 +69,64 @@ void ExpectCodecMatchesTheRuntime() {
   }
 }
 
-// Short varints are decoded four at a time where the four are all of one to
-// three bytes. Every sequence of four lengths from 1, 2, 3, 4 and 10 bytes
-// follows a prefix of 0 to 63 one-byte varints, so each mix starts at every
-// offset of a 64-byte window and crosses its end.
+// Short varints are decoded, and 32-bit values encoded, four at a time where
+// the four are all of one to three bytes. Every sequence of four lengths from
+// 1, 2, 3, 4 and 10 bytes (a negative 32-bit value) follows a prefix of 0 to
+// 63 one-byte varints, so each mix starts at every offset of a 64-byte window
+// and of a group, and crosses their ends.
 template <typename Bits>
-void ExpectEveryMixOfShortLengthsDecodes() {
+void ExpectEveryMixOfShortLengthsRoundTrips() {
   const int lengths[] = {1, 2, 3, 4, 10};
   std::vector<uint64_t> mixes;
   for (int code = 0; code < 5 * 5 * 5 * 5; ++code) {
     for (int k = 0, rest = code; k < 4; ++k, rest /= 5) {
       const int size = lengths[rest % 5];
-      mixes.push_back(size == 1 ? 0x55 : (uint64_t{1} << (7 * (size - 1))) + 0x2A);
+      mixes.push_back(size == 1 ? 0x55 : size == 10 ? uint64_t(int64_t{-42}) : (uint64_t{1} << (7 * (size - 1))) + 0x2A);
     }
   }
   for (int prefix = 0; prefix < 64; ++prefix) {
     std::vector<uint64_t> values(static_cast<size_t>(prefix), 0);
     values.insert(values.end(), mixes.begin(), mixes.end());
+    const int count = static_cast<int>(values.size());
     const std::string bytes = RuntimeEncoding(values);
     const char* end = bytes.data() + bytes.size();
-    ASSERT_EQ(Bits::CountEnds(bytes.data(), end), static_cast<int>(values.size()));
+
+    std::vector<int32_t> narrow(values.begin(), values.end());
+    std::vector<uint8_t> encoded(values.size() * varint::kMaxSize + varint::kEncodeSlack);
+    const uint8_t* encoded_end = varint::EncodeRunWith<Bits>(narrow.data(), count, encoded.data());
+    ASSERT_EQ(std::string(reinterpret_cast<const char*>(encoded.data()), encoded_end - encoded.data()), bytes)
+        << prefix;
+
+    ASSERT_EQ(Bits::CountEnds(bytes.data(), end), count);
     std::vector<uint64_t> decoded(values.size());
     int n = 0;
-    const char* after = varint::DecodeRunWith<Bits>(bytes.data(), end, static_cast<int>(values.size()),
-                                                    decoded.data(), &n, [](uint64_t raw) { return raw; });
+    const char* after = varint::DecodeRunWith<Bits>(bytes.data(), end, count, decoded.data(), &n,
+                                                    [](uint64_t raw) { return raw; });
     EXPECT_EQ(after, end) << prefix;
-    ASSERT_EQ(n, static_cast<int>(values.size())) << prefix;
+    ASSERT_EQ(n, count) << prefix;
     EXPECT_EQ(decoded, values) << prefix;
     // The same bytes into 32-bit elements and into bools, which store a group
     // differently.
-    std::vector<uint32_t> narrow(values.size());
-    varint::DecodeRunWith<Bits>(bytes.data(), end, static_cast<int>(values.size()), narrow.data(), &n,
-                                [](uint64_t raw) { return static_cast<uint32_t>(raw); });
+    std::vector<int32_t> narrow_back(values.size());
+    varint::DecodeRunWith<Bits>(bytes.data(), end, count, narrow_back.data(), &n,
+                                [](uint64_t raw) { return static_cast<int32_t>(raw); });
+    EXPECT_EQ(narrow_back, narrow) << prefix;
     std::unique_ptr<bool[]> bools(new bool[values.size()]);
-    varint::DecodeRunWith<Bits>(bytes.data(), end, static_cast<int>(values.size()), bools.get(), &n,
-                                [](uint64_t raw) { return raw != 0; });
-    for (size_t i = 0; i < values.size(); ++i) {
-      ASSERT_EQ(narrow[i], static_cast<uint32_t>(values[i])) << prefix << " at " << i;
-      ASSERT_EQ(bools[i], values[i] != 0) << prefix << " at " << i;
-    }
+    varint::DecodeRunWith<Bits>(bytes.data(), end, count, bools.get(), &n, [](uint64_t raw) { return raw != 0; });
+    for (size_t i = 0; i < values.size(); ++i) ASSERT_EQ(bools[i], values[i] != 0) << prefix << " at " << i;
   }
 }
 
 TEST(VarintCodec, PortableFormMatchesTheRuntime) {
   ExpectCodecMatchesTheRuntime<varint::PortableBits>();
-  ExpectEveryMixOfShortLengthsDecodes<varint::PortableBits>();
+  ExpectEveryMixOfShortLengthsRoundTrips<varint::PortableBits>();
 }
 
 #ifdef MAV_PROTOBUF_VARINT_SIMD
 TEST(VarintCodec, VectorFormMatchesTheRuntime) {
   if (!varint::HasSimd()) GTEST_SKIP() << "this processor lacks the instructions";
   ExpectCodecMatchesTheRuntime<varint::SimdBits>();
-  ExpectEveryMixOfShortLengthsDecodes<varint::SimdBits>();
+  ExpectEveryMixOfShortLengthsRoundTrips<varint::SimdBits>();
 }
 #endif
 

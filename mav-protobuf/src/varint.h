@@ -130,18 +130,22 @@ struct PortableBits {
 };
 
 // Four varints of one to three bytes each, the commonest case of counts and
-// indices, are decoded at once: the ends among the next twelve bytes give
-// the four lengths (a shape, in base 3), and one byte shuffle per shape moves
-// each varint into a 32-bit lane of its own. The tables are built by the
-// compiler.
+// indices, are decoded and encoded at once. Their four lengths make a shape
+// (in base 3). On reading, the ends among the next twelve bytes give the
+// shape, and one byte shuffle per shape moves each varint into a 32-bit lane
+// of its own; on writing, the values' sizes give it, and the reverse shuffle
+// packs the four lanes' bytes together. The tables are built by the compiler.
 namespace group {
 constexpr int kReach = 12;            // bytes whose ends select the shape
 constexpr uint64_t kReachMask = (uint64_t{1} << kReach) - 1;
 constexpr int kShapes = 81;           // 3^4 length combinations
 constexpr uint8_t kNone = kShapes;    // the next four varints are not all short
 struct Tables {
-  uint8_t shape[1 << kReach];
-  uint8_t shuffle[kShapes][16];
+  uint8_t shape[1 << kReach];      // by the ends among twelve bytes
+  uint8_t shuffle[kShapes][16];    // wire bytes to lanes
+  uint8_t shape_of_sizes[256];     // by lanes over 1 byte | lanes over 2 bytes << 4
+  uint8_t pack[kShapes][16];       // lanes to wire bytes
+  uint8_t bytes[kShapes];
 };
 constexpr Tables MakeTables() {
   Tables tables{};
@@ -152,9 +156,19 @@ constexpr Tables MakeTables() {
       for (int byte = 0; byte < 4; ++byte) {
         tables.shuffle[shape][4 * lane + byte] =
             static_cast<uint8_t>(byte < length ? start + byte : 0x80);  // 0x80: zero
+        if (byte < length) tables.pack[shape][start + byte] = static_cast<uint8_t>(4 * lane + byte);
       }
       start += length;
     }
+    for (int byte = start; byte < 16; ++byte) tables.pack[shape][byte] = 0x80;
+    tables.bytes[shape] = static_cast<uint8_t>(start);
+  }
+  for (int sizes = 0; sizes < 256; ++sizes) {
+    int shape = 0;
+    for (int lane = 0, scale = 1; lane < 4; ++lane, scale *= 3) {
+      shape += ((sizes >> lane & 1) + (sizes >> (lane + 4) & 1)) * scale;
+    }
+    tables.shape_of_sizes[sizes] = static_cast<uint8_t>(shape);
   }
   for (int ends = 0; ends < (1 << kReach); ++ends) {
     int shape = 0, scale = 1, start = 0, found = 0;
@@ -209,6 +223,30 @@ struct SimdBits {
     const __m128i high = _mm_and_si128(_mm_srli_epi32(lanes, 2), _mm_set1_epi32(0x1FC000));
     return _mm_or_si128(_mm_or_si128(low, middle), high);
   }
+  // Writes four 32-bit values below 2^21 at `out` (16 bytes writable) and
+  // returns the end of their bytes; null, with nothing written, when one of
+  // them is longer.
+  template <typename T>
+  MAV_PROTOBUF_SIMD static uint8_t* EncodeGroup(const T* values, uint8_t* out) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(values));
+    if (!_mm_testz_si128(v, _mm_set1_epi32(~0x1FFFFF))) return nullptr;
+    const __m128i over1 = _mm_cmpgt_epi32(v, _mm_set1_epi32(0x7F));
+    const __m128i over2 = _mm_cmpgt_epi32(v, _mm_set1_epi32(0x3FFF));
+    const __m128i spread = _mm_or_si128(
+        _mm_or_si128(_mm_and_si128(v, _mm_set1_epi32(0x7F)),
+                     _mm_and_si128(_mm_slli_epi32(v, 1), _mm_set1_epi32(0x7F00))),
+        _mm_and_si128(_mm_slli_epi32(v, 2), _mm_set1_epi32(0x7F0000)));
+    const __m128i marks = _mm_or_si128(_mm_and_si128(over1, _mm_set1_epi32(0x80)),
+                                       _mm_and_si128(over2, _mm_set1_epi32(0x8000)));
+    const int sizes = _mm_movemask_ps(_mm_castsi128_ps(over1)) |
+                      _mm_movemask_ps(_mm_castsi128_ps(over2)) << 4;
+    const int shape = group::kTables.shape_of_sizes[sizes];
+    const __m128i order =
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(group::kTables.pack[shape]));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out),
+                     _mm_shuffle_epi8(_mm_or_si128(spread, marks), order));
+    return out + group::kTables.bytes[shape];
+  }
   // A value of up to 21 bits reads the same in either 32-bit type.
   template <typename T, typename FromWire>
   MAV_PROTOBUF_SIMD static void StoreGroup(__m128i values, T* out, FromWire from_wire) {
@@ -230,27 +268,43 @@ inline bool HasSimd() {
 }
 #endif
 
+// Encodes one value at `out`, which has room for kMaxSize + kEncodeSlack
+// bytes. A value below 2^56 is spread into one word and stored whole; a
+// longer one takes the byte loop.
+template <typename Bits>
+inline uint8_t* EncodeOne(uint64_t v, uint8_t* out) {
+  if (v < (uint64_t{1} << 56)) {
+    uint64_t word = Bits::Spread(v);
+    const int size = (71 - __builtin_clzll(word | 1)) / 8;  // up to the highest non-zero byte
+    word |= Bits::Marks(size);
+    std::memcpy(out, &word, sizeof(word));
+    return out + size;
+  }
+  while (v >= 0x80) {
+    *out++ = static_cast<uint8_t>(v | 0x80);
+    v >>= 7;
+  }
+  *out++ = static_cast<uint8_t>(v);
+  return out;
+}
+
 // Encodes `count` values at `out`, which has room for kMaxSize bytes a value
-// plus kEncodeSlack. A value below 2^56 is spread into one word and stored
-// whole; a longer one takes the byte loop.
+// plus kEncodeSlack; 32-bit values go four at a time where the vector form
+// can.
 template <typename Bits, typename T>
 inline uint8_t* EncodeRunWith(const T* values, int count, uint8_t* out) {
-  for (int i = 0; i < count; ++i) {
-    uint64_t v = ToWire(values[i]);
-    if (v < (uint64_t{1} << 56)) {
-      uint64_t word = Bits::Spread(v);
-      const int size = (71 - __builtin_clzll(word | 1)) / 8;  // up to the highest non-zero byte
-      word |= Bits::Marks(size);
-      std::memcpy(out, &word, sizeof(word));
-      out += size;
-    } else {
-      while (v >= 0x80) {
-        *out++ = static_cast<uint8_t>(v | 0x80);
-        v >>= 7;
+  int i = 0;
+  if constexpr (Bits::kGroups && (std::is_same_v<T, uint32_t> || std::is_same_v<T, int32_t>)) {
+    // Four values have room for 40 bytes, more than a group stores.
+    for (; count - i >= 4; i += 4) {
+      if (uint8_t* after = Bits::EncodeGroup(values + i, out)) {
+        out = after;
+        continue;
       }
-      *out++ = static_cast<uint8_t>(v);
+      for (int k = i; k < i + 4; ++k) out = EncodeOne<Bits>(ToWire(values[k]), out);
     }
   }
+  for (; i < count; ++i) out = EncodeOne<Bits>(ToWire(values[i]), out);
   return out;
 }
 
