@@ -332,9 +332,8 @@ inline const char* DecodeRunWith(const char* p, const char* end, int count, T* o
         if (shape != group::kNone) {
           Bits::StoreGroup(Bits::Group(p + start, shape), out, from_wire);
           out += 4;
-          ends &= ends - 1;
-          ends &= ends - 1;
-          ends &= ends - 1;
+          // Past the group's four ends: the next varint follows the fourth.
+          for (int end_bit = 0; end_bit < 3; ++end_bit) ends &= ends - 1;
           start = __builtin_ctzll(ends) + 1;
           ends &= ends - 1;
           continue;
