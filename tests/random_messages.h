@@ -29,10 +29,12 @@ class Random {
   explicit Random(uint64_t seed) : engine_(seed) {}
   int Below(int n) { return std::uniform_int_distribution<int>(0, n - 1)(engine_); }
   bool OneIn(int n) { return Below(n) == 0; }
-  // Every varint length, the ends of the range favoured.
+  // Every varint length, the ends of the range favoured, and often a value of
+  // one to three bytes, as counts are.
   uint64_t Unsigned() {
-    const uint64_t picks[] = {0, uint64_t(Below(128)), ~uint64_t{0}, engine_() >> Below(64), engine_()};
-    return picks[Below(5)];
+    const uint64_t picks[] = {0, uint64_t(Below(128)), ~uint64_t{0}, engine_() >> Below(64), engine_(),
+                              uint64_t(Below(1 << (7 * (1 + Below(3)))))};
+    return picks[Below(6)];
   }
   int64_t Signed() { const uint64_t v = Unsigned(); return static_cast<int64_t>(OneIn(2) ? 0 - v : v); }
   int32_t Signed32() { return static_cast<int32_t>(Signed()); }

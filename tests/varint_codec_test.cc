@@ -5,6 +5,7 @@
 #include <google/protobuf/io/coded_stream.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -44,7 +45,7 @@ void ExpectCodecMatchesTheRuntime() {
   EXPECT_EQ(varint::RunSize(values.data(), static_cast<int>(values.size())), expected.size());
   EXPECT_EQ(varint::RunSizeWith(values.data(), static_cast<int>(values.size())), expected.size());
 
-  const int count = varint::CountEnds(expected.data(), expected.data() + expected.size());
+  const int count = Bits::CountEnds(expected.data(), expected.data() + expected.size());
   ASSERT_EQ(count, static_cast<int>(values.size()));
   std::vector<uint64_t> decoded(values.size());
   int n = 0;
@@ -57,23 +58,75 @@ void ExpectCodecMatchesTheRuntime() {
   // An eleven-byte varint stops the run at any position in the window.
   for (size_t at : {0u, 5u, 63u, 64u, 100u}) {
     std::string bad = expected.substr(0, 200);
-    const int before = varint::CountEnds(bad.data(), bad.data() + at);
+    const int before = Bits::CountEnds(bad.data(), bad.data() + at);
     bad.insert(at, std::string(10, '\x80') + '\x01');
     std::vector<uint64_t> out(200);
     after = varint::DecodeRunWith<Bits>(bad.data(), bad.data() + bad.size(),
-                                        varint::CountEnds(bad.data(), bad.data() + bad.size()), out.data(), &n,
+                                        Bits::CountEnds(bad.data(), bad.data() + bad.size()), out.data(), &n,
                                         [](uint64_t raw) { return raw; });
     EXPECT_EQ(after, nullptr) << at;
     EXPECT_EQ(n, before) << at;
   }
 }
 
-TEST(VarintCodec, PortableFormMatchesTheRuntime) { ExpectCodecMatchesTheRuntime<varint::PortableBits>(); }
+// Short varints are decoded, and 32-bit values encoded, four at a time where
+// the four are all of one to three bytes. Every sequence of four lengths from
+// 1, 2, 3, 4 and 10 bytes (a negative 32-bit value) follows a prefix of 0 to
+// 63 one-byte varints, so each mix starts at every offset of a 64-byte window
+// and of a group, and crosses their ends.
+template <typename Bits>
+void ExpectEveryMixOfShortLengthsRoundTrips() {
+  const int lengths[] = {1, 2, 3, 4, 10};
+  std::vector<uint64_t> mixes;
+  for (int code = 0; code < 5 * 5 * 5 * 5; ++code) {
+    for (int k = 0, rest = code; k < 4; ++k, rest /= 5) {
+      const int size = lengths[rest % 5];
+      mixes.push_back(size == 1 ? 0x55 : size == 10 ? uint64_t(int64_t{-42}) : (uint64_t{1} << (7 * (size - 1))) + 0x2A);
+    }
+  }
+  for (int prefix = 0; prefix < 64; ++prefix) {
+    std::vector<uint64_t> values(static_cast<size_t>(prefix), 0);
+    values.insert(values.end(), mixes.begin(), mixes.end());
+    const int count = static_cast<int>(values.size());
+    const std::string bytes = RuntimeEncoding(values);
+    const char* end = bytes.data() + bytes.size();
 
-#ifdef MAV_PROTOBUF_VARINT_BMI2
-TEST(VarintCodec, BitFieldInstructionFormMatchesTheRuntime) {
-  if (!varint::HasBmi2()) GTEST_SKIP() << "this processor lacks the instructions";
-  ExpectCodecMatchesTheRuntime<varint::Bmi2Bits>();
+    std::vector<int32_t> narrow(values.begin(), values.end());
+    std::vector<uint8_t> encoded(values.size() * varint::kMaxSize + varint::kEncodeSlack);
+    const uint8_t* encoded_end = varint::EncodeRunWith<Bits>(narrow.data(), count, encoded.data());
+    ASSERT_EQ(std::string(reinterpret_cast<const char*>(encoded.data()), encoded_end - encoded.data()), bytes)
+        << prefix;
+
+    ASSERT_EQ(Bits::CountEnds(bytes.data(), end), count);
+    std::vector<uint64_t> decoded(values.size());
+    int n = 0;
+    const char* after = varint::DecodeRunWith<Bits>(bytes.data(), end, count, decoded.data(), &n,
+                                                    [](uint64_t raw) { return raw; });
+    EXPECT_EQ(after, end) << prefix;
+    ASSERT_EQ(n, count) << prefix;
+    EXPECT_EQ(decoded, values) << prefix;
+    // The same bytes into 32-bit elements and into bools, which store a group
+    // differently.
+    std::vector<int32_t> narrow_back(values.size());
+    varint::DecodeRunWith<Bits>(bytes.data(), end, count, narrow_back.data(), &n,
+                                [](uint64_t raw) { return static_cast<int32_t>(raw); });
+    EXPECT_EQ(narrow_back, narrow) << prefix;
+    std::unique_ptr<bool[]> bools(new bool[values.size()]);
+    varint::DecodeRunWith<Bits>(bytes.data(), end, count, bools.get(), &n, [](uint64_t raw) { return raw != 0; });
+    for (size_t i = 0; i < values.size(); ++i) ASSERT_EQ(bools[i], values[i] != 0) << prefix << " at " << i;
+  }
+}
+
+TEST(VarintCodec, PortableFormMatchesTheRuntime) {
+  ExpectCodecMatchesTheRuntime<varint::PortableBits>();
+  ExpectEveryMixOfShortLengthsRoundTrips<varint::PortableBits>();
+}
+
+#ifdef MAV_PROTOBUF_VARINT_SIMD
+TEST(VarintCodec, VectorFormMatchesTheRuntime) {
+  if (!varint::HasSimd()) GTEST_SKIP() << "this processor lacks the instructions";
+  ExpectCodecMatchesTheRuntime<varint::SimdBits>();
+  ExpectEveryMixOfShortLengthsRoundTrips<varint::SimdBits>();
 }
 #endif
 

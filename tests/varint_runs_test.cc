@@ -67,17 +67,26 @@ TEST(VarintRuns, EveryLengthRoundTripsAndMatchesTheRuntime) {
   }
 }
 
-// A long run read through streams of every chunk size from 1 to 80 bytes, so
-// the run and its varints end at every position relative to a chunk's end.
+// Packed runs of several lengths, one after another, read through streams of
+// every chunk size from 1 to 80 bytes and of larger ones: so the runs and
+// their varints end at every position relative to a chunk's end, and with the
+// larger chunks some runs lie wholly in the buffer and are decoded at once.
 TEST(VarintRuns, ChunkedStreamsReadWhatTheFlatBufferReads) {
-  ArrayUnsignedInt16 array;
-  for (int i = 0; i < 200; ++i) array.add_unsignedint16_content(static_cast<uint32_t>(i * 977 % 70000));
-  const std::string bytes = array.SerializeAsString();
-  for (int chunk = 1; chunk <= 80; ++chunk) {
+  std::string bytes;
+  int value = 0;
+  for (int length : {200, 5, 37, 64, 150, 1}) {
+    ArrayUnsignedInt16 run;
+    for (int i = 0; i < length; ++i, ++value) run.add_unsignedint16_content(static_cast<uint32_t>(value * 977 % 70000));
+    bytes += run.SerializeAsString();
+  }
+  ArrayUnsignedInt16 flat;
+  ASSERT_TRUE(flat.ParseFromString(bytes));
+  ASSERT_EQ(flat.unsignedint16_content_size(), value);
+  for (int chunk = 1; chunk <= 1200; chunk += chunk < 80 ? 1 : 13) {
     pb::io::ArrayInputStream in(bytes.data(), static_cast<int>(bytes.size()), chunk);
     ArrayUnsignedInt16 back;
     ASSERT_TRUE(back.ParseFromZeroCopyStream(&in)) << chunk;
-    EXPECT_EQ(back.DebugString(), array.DebugString()) << chunk;
+    EXPECT_EQ(back.DebugString(), flat.DebugString()) << chunk;
   }
 }
 

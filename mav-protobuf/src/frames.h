@@ -124,7 +124,10 @@ uint8_t* MessageFrame<Derived>::_InternalSerialize(uint8_t* target,
 // A string that grows a piece at a time as the serializer asks for room, into
 // capacity reserved up front: the zero fill that growing a std::string
 // requires then touches each piece just before it is written, while it is in
-// cache, rather than the whole output once more.
+// cache, rather than the whole output once more. Long runs of raw bytes (a
+// fixed-width array's elements) are appended straight from their source, with
+// no zero fill at all; "aliasing" is the runtime's name for that hand-over,
+// and a copy made at once meets its contract.
 class StringAppendStream final : public protobuf::io::ZeroCopyOutputStream {
  public:
   explicit StringAppendStream(std::string* output) : output_(output), start_(output->size()) {}
@@ -140,6 +143,11 @@ class StringAppendStream final : public protobuf::io::ZeroCopyOutputStream {
   }
   void BackUp(int count) override { output_->resize(output_->size() - static_cast<size_t>(count)); }
   int64_t ByteCount() const override { return static_cast<int64_t>(output_->size() - start_); }
+  bool AllowsAliasing() const override { return true; }
+  bool WriteAliasedRaw(const void* data, int size) override {
+    output_->append(static_cast<const char*>(data), static_cast<size_t>(size));
+    return true;
+  }
 
  private:
   std::string* output_;
@@ -157,6 +165,7 @@ bool MessageFrame<Derived>::AppendToString(std::string* output) const {
   output->reserve(output->size() + size + 64);
   StringAppendStream stream(output);
   protobuf::io::CodedOutputStream coded(&stream);
+  coded.EnableAliasing(true);
   SerializeWithCachedSizes(&coded);
   return true;
 }

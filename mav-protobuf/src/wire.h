@@ -252,8 +252,8 @@ struct Packed {
     target = CodedOutputStream::WriteVarint32ToArray(
         static_cast<uint32_t>(cached_payload), target);
     if constexpr (kBulk) {
-      return stream->WriteRaw(values.data(), static_cast<int>(sizeof(T)) * values.size(),
-                              target);
+      return stream->WriteRawMaybeAliased(
+          values.data(), static_cast<int>(sizeof(T)) * values.size(), target);
     } else {
       // A block at a time through a buffer on the stack, so no element needs
       // a bounds check of its own.
