@@ -3,6 +3,7 @@
 // never runs while a benchmark is timed.
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <cstdio>
 #include <cstring>
@@ -10,6 +11,16 @@
 #include "suite.h"
 
 int main(int argc, char** argv) {
+  // glibc gives the top of its heap back to the kernel whenever a free leaves
+  // more than the trim threshold unused there. A loop that destroys a large
+  // tree and builds the next one would then time the kernel unmapping and
+  // refaulting those pages on every iteration (ten times the parse of W4),
+  // which a process that keeps its heap never pays. Fixing the threshold
+  // turns off glibc's own adjustment of when large blocks get their own
+  // mapping, so that is fixed too, at the ceiling the adjustment reaches.
+  // Both apply to every implementation alike.
+  mallopt(M_TRIM_THRESHOLD, 1 << 30);
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
   if (argc > 1 && std::strcmp(argv[1], "--heap") == 0) {
     for (const mav_bench::HeapProbe& probe : mav_bench::HeapProbes()) {
       const mav_bench::HeapUse use = probe.measure();

@@ -5,6 +5,7 @@
 #include <google/protobuf/stubs/logging.h>
 
 #include <set>
+#include <vector>
 
 #include "test_support.h"
 
@@ -79,6 +80,23 @@ TEST(PropertyMap, DeterministicOutputSortsTheKeys) {
   EXPECT_EQ(Hex(WireOf(read, true)), Hex(sorted));
 }
 
+// Keys that tie on their first eight bytes, extend one another, hold a NUL
+// or bytes above 0x7F sort as their byte strings do.
+TEST(PropertyMap, DeterministicOrderIsByteWiseForAnyKey) {
+  const std::vector<std::string> keys = {
+      "param-10", "param-1", "param-100", "param-0", std::string("a\0", 2), "a", "",
+      "parameters-b", "parameters-a", "\xC3\xA9t\xC3\xA9", "z", "\x7F", std::string("param-1\0x", 9)};
+  PropertyMap map;
+  for (const std::string& key : keys) At(&map, key).mutable_value_type()->set_wellknowntype(key);
+  std::string expected;
+  for (const std::string& key : std::set<std::string>(keys.begin(), keys.end())) {
+    PropertyMap single;
+    At(&single, key).mutable_value_type()->set_wellknowntype(key);
+    expected += WireOf(single);
+  }
+  EXPECT_EQ(Hex(WireOf(map, true)), Hex(expected));
+}
+
 TEST(PropertyMap, ParseKeepsTheLastValueAndFillsMissingParts) {
   // "k" -> {wellknowntype "x"}, then "k" -> {empty scalar}: replaced, not merged.
   PropertyMap map;
@@ -113,6 +131,20 @@ TEST(PropertyMap, NonUtf8KeyFailsTheParseKeepsTheEntryAndOnlyLogsOnWrite) {
   g_log.clear();
   EXPECT_EQ(Hex(WireOf(read)), Hex(entry));
   EXPECT_NE(g_log.find(kKeyName), std::string::npos) << g_log;
+
+  // A bad byte is found wherever it lies in a longer key; UTF-8 beyond ASCII
+  // passes without a word.
+  for (const std::string key : {"\xFF" "abcdefghij", "abcdefgh\xFF" "ij", "abcdefghij\xFF"}) {
+    PropertyMap one;
+    EXPECT_FALSE(ParseInto(&one, Bytes({10, 15, 10, 11}) + key + Bytes({18, 0}))) << Hex(key);
+    EXPECT_EQ(one.map_data().count(key), 1u);
+  }
+  g_log.clear();
+  PropertyMap good;
+  ASSERT_TRUE(ParseInto(&good, Bytes({10, 15, 10, 11}) + "gr\xC3\xBC\xC3\x9F" "e-123" + Bytes({18, 0})));
+  EXPECT_EQ(good.map_data().count("gr\xC3\xBC\xC3\x9F" "e-123"), 1u);
+  EXPECT_EQ(Hex(WireOf(good)), Hex(WireOf(good, true)));
+  EXPECT_EQ(g_log, "");
   pb::SetLogHandler(previous);
 }
 

@@ -105,6 +105,27 @@ TEST(ArrayDataUnion, ChronoMembersAreWrittenAfterTheShape) {
   EXPECT_EQ(Hex(WireOf(u)), "7A 01 46 82 01 02 AC 02 92 01 00");
 }
 
+// Short shapes and long ones are written apart; both must give the one
+// packed form, with one- and five-byte extents.
+TEST(ArrayDataUnion, ShapesOfAnyLengthWriteThePackedForm) {
+  for (uint32_t extent : {3u, 0xFFFFFFFFu}) {
+    for (int axes = 0; axes <= 7; ++axes) {
+      SCOPED_TRACE(axes);
+      ArrayDataUnion u;
+      std::string payload;
+      for (int axis = 0; axis < axes; ++axis) {
+        u.add_dimensions(extent + axis);
+        google::protobuf::io::StringOutputStream out(&payload);
+        google::protobuf::io::CodedOutputStream(&out).WriteVarint32(extent + axis);
+      }
+      const std::string expected =
+          axes == 0 ? "" : Bytes({0x82, 0x01, static_cast<int>(payload.size())}) + payload;
+      EXPECT_EQ(Hex(WireOf(u)), Hex(expected));
+      EXPECT_EQ(u.ByteSizeLong(), expected.size());
+    }
+  }
+}
+
 TEST(ArrayDataUnion, DimensionFormsAndMergeFrom) {
   ArrayDataUnion dims;  // packed, unpacked, unpacked: all appended
   ASSERT_TRUE(ParseInto(&dims, Bytes({0x82, 0x01, 1, 9, 0x80, 0x01, 5, 0x80, 0x01, 7})));

@@ -25,11 +25,19 @@ size_t MessageMemberSize(const OneofT& oneof) {
   return MessageFieldSize(oneof.case_number, *oneof.slot.message);
 }
 
-// A set member is written even when it is empty (tag and length 0).
+// A set member is written even when it is empty (tag and length 0). Written
+// here rather than by the runtime's out-of-line message writer: a tree
+// crosses a oneof at nearly every level.
 template <typename OneofT>
 uint8_t* WriteMessageMember(const OneofT& oneof, uint8_t* target,
                             EpsCopyOutputStream* stream) {
-  return WriteMessageField(oneof.case_number, *oneof.slot.message, target, stream);
+  const protobuf::Message& member = *oneof.slot.message;
+  target = stream->EnsureSpace(target);
+  target = WireFormatLite::WriteTagToArray(oneof.case_number,
+                                           WireFormatLite::WIRETYPE_LENGTH_DELIMITED, target);
+  target = CodedOutputStream::WriteVarint32ToArray(static_cast<uint32_t>(member.GetCachedSize()),
+                                                   target);
+  return member._InternalSerialize(target, stream);
 }
 
 // The same member merges field by field; another one is replaced by a copy.

@@ -4,6 +4,10 @@
 #include "frames.h"
 #include "oneof_members.h"
 
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
 namespace Tarnwick {
 namespace MavProtobuf {
 
@@ -74,12 +78,68 @@ namespace {
 
 constexpr char kKeyFieldName[] = "Tarnwick.MavProtobuf.PropertyMap.MapDataEntry.key";
 
+using NodeMap = protobuf::Map<std::string, PropertyNode>;
+
 // Size of one entry's content: the key (field 1) and the node (field 2), both
 // always present on the wire.
 size_t EntrySize(const std::string& key, size_t node_size) {
   return 1 + WireFormatLite::LengthDelimitedSize(key.size()) + 1 +
          WireFormatLite::LengthDelimitedSize(node_size);
 }
+
+bool IsAscii(const std::string& text) {
+  constexpr uint64_t kHighBits = 0x8080808080808080u;
+  const char* bytes = text.data();
+  size_t left = text.size();
+  uint64_t seen = 0;
+  for (; left >= sizeof(uint64_t); left -= sizeof(uint64_t), bytes += sizeof(uint64_t)) {
+    uint64_t word;
+    std::memcpy(&word, bytes, sizeof(word));
+    seen |= word;
+  }
+  for (; left > 0; --left) seen |= static_cast<uint8_t>(*bytes++);
+  return (seen & kHighBits) == 0;
+}
+
+// Keys are nearly always ASCII, which is UTF-8 as it stands; only the others
+// need the runtime's full check, which also logs a failure.
+bool IsValidKey(const std::string& key, WireFormatLite::Operation operation) {
+  return IsAscii(key) || WireFormatLite::VerifyUtf8String(key.data(), static_cast<int>(key.size()),
+                                                          operation, kKeyFieldName);
+}
+
+// The entries of a map in byte-wise key order. Most keys differ within their
+// first eight bytes, so each entry carries those as a big-endian number (short
+// keys padded with zeros, which orders a key before its extensions) and only
+// a tie compares the strings.
+class SortedEntries {
+ public:
+  struct Entry {
+    uint64_t prefix;
+    const NodeMap::value_type* pair;
+  };
+
+  explicit SortedEntries(const NodeMap& map) {
+    entries_.reserve(map.size());
+    for (const auto& pair : map) entries_.push_back({KeyPrefix(pair.first), &pair});
+    std::sort(entries_.begin(), entries_.end(), [](const Entry& a, const Entry& b) {
+      return a.prefix != b.prefix ? a.prefix < b.prefix : a.pair->first < b.pair->first;
+    });
+  }
+  std::vector<Entry>::const_iterator begin() const { return entries_.begin(); }
+  std::vector<Entry>::const_iterator end() const { return entries_.end(); }
+
+ private:
+  static uint64_t KeyPrefix(const std::string& key) {
+    uint8_t bytes[sizeof(uint64_t)] = {};
+    std::memcpy(bytes, key.data(), std::min(key.size(), sizeof(bytes)));
+    uint64_t prefix = 0;
+    for (uint8_t byte : bytes) prefix = (prefix << 8) | byte;
+    return prefix;
+  }
+
+  std::vector<Entry> entries_;
+};
 
 }  // namespace
 
@@ -96,12 +156,7 @@ internal::FieldRead PropertyMap::ReadField(uint32_t tag, const char* ptr,
       parser(&map_data_);
   ptr = ctx->ParseMessage(&parser, ptr);
   if (ptr == nullptr) return nullptr;
-  const std::string& key = parser.key();
-  if (!WireFormatLite::VerifyUtf8String(key.data(), static_cast<int>(key.size()),
-                                        WireFormatLite::PARSE, kKeyFieldName)) {
-    return nullptr;
-  }
-  return ptr;
+  return IsValidKey(parser.key(), WireFormatLite::PARSE) ? ptr : nullptr;
 }
 
 size_t PropertyMap::FieldsByteSize() const {
@@ -126,14 +181,11 @@ uint8_t* PropertyMap::WriteFields(uint8_t* target,
         static_cast<uint32_t>(EntrySize(key, node.GetCachedSize())), target);
     target = stream->WriteString(1, key, target);
     target = wire::WriteMessageField(2, node, target, stream);
-    WireFormatLite::VerifyUtf8String(key.data(), static_cast<int>(key.size()),
-                                     WireFormatLite::SERIALIZE, kKeyFieldName);
+    IsValidKey(key, WireFormatLite::SERIALIZE);
   };
   const auto& map = map_data_.GetMap();
   if (stream->IsSerializationDeterministic() && map.size() > 1) {
-    for (const auto& entry : protobuf::internal::MapSorterPtr<protobuf::Map<std::string, PropertyNode>>(map)) {
-      write_entry(entry.first, entry.second);
-    }
+    for (const auto& entry : SortedEntries(map)) write_entry(entry.pair->first, entry.pair->second);
   } else {
     for (const auto& entry : map) write_entry(entry.first, entry.second);
   }

@@ -192,6 +192,39 @@ const protobuf::Message* const kArrayMemberPrototypes[] = {
 
 constexpr uint32_t kLastArrayMember = ArrayDataUnion::kTimePointContent;
 
+using Shape = protobuf::RepeatedField<uint32_t>;
+
+// A shape has a handful of axes, too few for the packed-run algorithm's set-up
+// to pay: up to kFewAxes are sized by a plain loop and written through a small
+// buffer. Longer shapes take the packed-run path; the bytes are the same.
+constexpr int kFewAxes = 4;
+
+size_t ShapeFieldSize(const Shape& dimensions, protobuf::internal::CachedSize* cached_payload) {
+  if (dimensions.size() > kFewAxes) {
+    return wire::Packed<uint32_t>::FieldSize(ArrayDataUnion::kDimensionsFieldNumber, dimensions,
+                                             cached_payload);
+  }
+  size_t payload = 0;
+  for (uint32_t extent : dimensions) payload += wire::CodedOutputStream::VarintSize32(extent);
+  cached_payload->Set(static_cast<int>(payload));
+  return payload == 0 ? 0 : wire::TagSize(ArrayDataUnion::kDimensionsFieldNumber) + 1 + payload;
+}
+
+uint8_t* WriteShape(const Shape& dimensions, int cached_payload, uint8_t* target,
+                    internal::EpsCopyOutputStream* stream) {
+  if (dimensions.size() > kFewAxes) {
+    return wire::Packed<uint32_t>::Write(ArrayDataUnion::kDimensionsFieldNumber, dimensions,
+                                         cached_payload, target, stream);
+  }
+  if (dimensions.empty()) return target;
+  uint8_t field[2 + (1 + kFewAxes) * varint::kMaxSize];  // tag, length, extents
+  uint8_t* end = WireFormatLite::WriteTagToArray(
+      ArrayDataUnion::kDimensionsFieldNumber, WireFormatLite::WIRETYPE_LENGTH_DELIMITED, field);
+  end = wire::CodedOutputStream::WriteVarint32ToArray(static_cast<uint32_t>(cached_payload), end);
+  for (uint32_t extent : dimensions) end = wire::CodedOutputStream::WriteVarint32ToArray(extent, end);
+  return stream->WriteRaw(field, static_cast<int>(end - field), target);
+}
+
 }  // namespace
 
 ArrayDataUnion::ArrayDataUnion(const ArrayDataUnion& from) : MessageFrame(from) {
@@ -223,8 +256,7 @@ internal::FieldRead ArrayDataUnion::ReadField(uint32_t tag, const char* ptr,
 }
 
 size_t ArrayDataUnion::FieldsByteSize() const {
-  size_t size = wire::Packed<uint32_t>::FieldSize(kDimensionsFieldNumber, dimensions_,
-                                                  &dimensions_cached_byte_size_);
+  size_t size = ShapeFieldSize(dimensions_, &dimensions_cached_byte_size_);
   if (!dataorder().empty()) size += wire::BytesFieldSize(kDataorderFieldNumber, dataorder());
   if (content_case() != CONTENT_NOT_SET) size += wire::MessageMemberSize(content_);
   return size;
@@ -241,8 +273,7 @@ uint8_t* ArrayDataUnion::WriteFields(uint8_t* target,
   if (!dataorder().empty()) {
     target = stream->WriteBytesMaybeAliased(kDataorderFieldNumber, dataorder(), target);
   }
-  target = wire::Packed<uint32_t>::Write(kDimensionsFieldNumber, dimensions_,
-                                         dimensions_cached_byte_size_.Get(), target, stream);
+  target = WriteShape(dimensions_, dimensions_cached_byte_size_.Get(), target, stream);
   if (member > kDimensionsFieldNumber) target = wire::WriteMessageMember(content_, target, stream);
   return target;
 }
