@@ -892,6 +892,12 @@ class MAV_PROTOBUF_EXPORT ArrayBool final
 // ---------------------------------------------------------------------------
 // Unions
 
+namespace internal {
+// The sixteen message members of ArrayDataUnion's `content`.
+using ArrayContent =
+    Oneof<Members({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 17, 18})>;
+}  // namespace internal
+
 // One n-dimensional array of sixteen element kinds, its shape `dimensions` and
 // the opaque `dataorder`. Nothing relates the element count to the shape.
 class MAV_PROTOBUF_EXPORT ArrayDataUnion final
@@ -1103,8 +1109,7 @@ class MAV_PROTOBUF_EXPORT ArrayDataUnion final
   mutable protobuf::internal::CachedSize dimensions_cached_byte_size_;
   protobuf::internal::ArenaStringPtr dataorder_{
       &protobuf::internal::fixed_address_empty_string, internal::ConstantInitialized{}};
-  internal::Oneof<internal::Members({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 17, 18})>
-      content_;
+  internal::ArrayContent content_;
 };
 
 // One scalar of sixteen kinds. Integers narrower than 32 bits are carried as

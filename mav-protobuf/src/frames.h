@@ -471,7 +471,7 @@ template <typename Derived, typename Element>
 FieldRead RepeatedMessageFrame<Derived, Element>::ReadField(uint32_t tag, const char* ptr,
                                                            ParseContext* ctx) {
   if (tag != wire::LengthDelimitedTag(1)) return std::nullopt;
-  return ctx->ParseMessage(elements_.Add(), ptr);
+  return wire::ParseNested(elements_.Add(), ptr, ctx);
 }
 
 template <typename Derived, typename Element>

@@ -13,11 +13,10 @@ namespace wire {
 
 // A member that is read again merges into the one already held; another
 // member replaces it.
-template <typename OneofT>
-const char* ReadMessageMember(OneofT* oneof, uint32_t number,
-                              const protobuf::Message& prototype, const char* ptr,
+template <typename T, typename OneofT>
+const char* ReadMessageMember(OneofT* oneof, uint32_t number, const char* ptr,
                               ParseContext* ctx) {
-  return ctx->ParseMessage(oneof->MutableMessage(number, prototype), ptr);
+  return ParseNested(oneof->template MutableMessage<T>(number), ptr, ctx);
 }
 
 template <typename OneofT>

@@ -40,9 +40,11 @@ internal::FieldRead PropertyNode::ReadField(uint32_t tag, const char* ptr,
                                             internal::ParseContext* ctx) {
   switch (tag) {
     case wire::LengthDelimitedTag(kMapType):
+      return wire::ReadMessageMember<PropertyMap>(&type_, kMapType, ptr, ctx);
     case wire::LengthDelimitedTag(kListType):
+      return wire::ReadMessageMember<PropertyList>(&type_, kListType, ptr, ctx);
     case wire::LengthDelimitedTag(kValueType):
-      return wire::ReadMessageMember(&type_, tag >> 3, NodePrototype(tag >> 3), ptr, ctx);
+      return wire::ReadMessageMember<KVariant>(&type_, kValueType, ptr, ctx);
   }
   return std::nullopt;
 }

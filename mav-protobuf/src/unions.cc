@@ -74,11 +74,13 @@ internal::FieldRead ScalarDataUnion::ReadField(uint32_t tag, const char* ptr,
     case MakeTag(kBoolContent, WireFormatLite::WIRETYPE_VARINT):
       return ReadScalarMember(&content_, kBoolContent, &Slot::bool_value, ptr, ctx);
     case wire::LengthDelimitedTag(kComplexFloatContent):
+      return wire::ReadMessageMember<ComplexFloat>(&content_, kComplexFloatContent, ptr, ctx);
     case wire::LengthDelimitedTag(kComplexDoubleContent):
+      return wire::ReadMessageMember<ComplexDouble>(&content_, kComplexDoubleContent, ptr, ctx);
     case wire::LengthDelimitedTag(kDurationContent):
+      return wire::ReadMessageMember<ChronoData>(&content_, kDurationContent, ptr, ctx);
     case wire::LengthDelimitedTag(kTimePointContent):
-      return wire::ReadMessageMember(&content_, tag >> 3, ScalarMessagePrototype(tag >> 3), ptr,
-                                     ctx);
+      return wire::ReadMessageMember<ChronoData>(&content_, kTimePointContent, ptr, ctx);
   }
   return std::nullopt;
 }
@@ -168,26 +170,41 @@ template class internal::MessageFrame<ArrayDataUnion>;
 
 namespace {
 
-const protobuf::Message* const kArrayMemberPrototypes[] = {
-    nullptr,
-    &_ArrayString_default_instance_.instance,
-    &_ArrayFloat_default_instance_.instance,
-    &_ArrayDouble_default_instance_.instance,
-    &_ArrayInt8_default_instance_.instance,
-    &_ArrayInt16_default_instance_.instance,
-    &_ArrayInt32_default_instance_.instance,
-    &_ArrayInt64_default_instance_.instance,
-    &_ArrayUnsignedInt8_default_instance_.instance,
-    &_ArrayUnsignedInt16_default_instance_.instance,
-    &_ArrayUnsignedInt32_default_instance_.instance,
-    &_ArrayUnsignedInt64_default_instance_.instance,
-    &_ArrayBool_default_instance_.instance,
-    &_ArrayFloat_default_instance_.instance,   // complexFloat_content
-    &_ArrayDouble_default_instance_.instance,  // complexDouble_content
-    nullptr,                                   // dataorder
-    nullptr,                                   // dimensions
-    &_ArrayChronoData_default_instance_.instance,  // duration_content
-    &_ArrayChronoData_default_instance_.instance,  // timePoint_content
+using internal::ArrayContent;
+
+// What the union needs of each message member: its prototype, for merging,
+// and a reader that makes and parses the member's own class.
+struct ArrayMember {
+  const protobuf::Message* prototype;
+  const char* (*read)(ArrayContent* content, uint32_t number, const char* ptr,
+                      internal::ParseContext* ctx);
+};
+
+template <typename T>
+constexpr ArrayMember MemberOf(const T& prototype) {
+  return {&prototype, &wire::ReadMessageMember<T, ArrayContent>};
+}
+
+const ArrayMember kArrayMembers[] = {
+    {},
+    MemberOf(_ArrayString_default_instance_.instance),
+    MemberOf(_ArrayFloat_default_instance_.instance),
+    MemberOf(_ArrayDouble_default_instance_.instance),
+    MemberOf(_ArrayInt8_default_instance_.instance),
+    MemberOf(_ArrayInt16_default_instance_.instance),
+    MemberOf(_ArrayInt32_default_instance_.instance),
+    MemberOf(_ArrayInt64_default_instance_.instance),
+    MemberOf(_ArrayUnsignedInt8_default_instance_.instance),
+    MemberOf(_ArrayUnsignedInt16_default_instance_.instance),
+    MemberOf(_ArrayUnsignedInt32_default_instance_.instance),
+    MemberOf(_ArrayUnsignedInt64_default_instance_.instance),
+    MemberOf(_ArrayBool_default_instance_.instance),
+    MemberOf(_ArrayFloat_default_instance_.instance),   // complexFloat_content
+    MemberOf(_ArrayDouble_default_instance_.instance),  // complexDouble_content
+    {},                                                 // dataorder
+    {},                                                 // dimensions
+    MemberOf(_ArrayChronoData_default_instance_.instance),  // duration_content
+    MemberOf(_ArrayChronoData_default_instance_.instance),  // timePoint_content
 };
 
 constexpr uint32_t kLastArrayMember = ArrayDataUnion::kTimePointContent;
@@ -249,10 +266,10 @@ internal::FieldRead ArrayDataUnion::ReadField(uint32_t tag, const char* ptr,
   }
   const uint32_t number = tag >> 3;
   if (WireFormatLite::GetTagWireType(tag) != WireFormatLite::WIRETYPE_LENGTH_DELIMITED || number > kLastArrayMember ||
-      kArrayMemberPrototypes[number] == nullptr) {
+      kArrayMembers[number].read == nullptr) {
     return std::nullopt;
   }
-  return wire::ReadMessageMember(&content_, number, *kArrayMemberPrototypes[number], ptr, ctx);
+  return kArrayMembers[number].read(&content_, number, ptr, ctx);
 }
 
 size_t ArrayDataUnion::FieldsByteSize() const {
@@ -283,7 +300,7 @@ void ArrayDataUnion::MergeFields(const ArrayDataUnion& from) {
   if (!from.dataorder().empty()) dataorder_.Set(from.dataorder(), nullptr);
   if (from.content_case() != CONTENT_NOT_SET) {
     wire::MergeMessageMember(&content_, from.content_,
-                             *kArrayMemberPrototypes[from.content_.case_number]);
+                             *kArrayMembers[from.content_.case_number].prototype);
   }
 }
 
@@ -324,8 +341,9 @@ internal::FieldRead KVariant::ReadField(uint32_t tag, const char* ptr,
                                         internal::ParseContext* ctx) {
   switch (tag) {
     case wire::LengthDelimitedTag(kScalarData):
+      return wire::ReadMessageMember<ScalarDataUnion>(&data_, kScalarData, ptr, ctx);
     case wire::LengthDelimitedTag(kArrayData):
-      return wire::ReadMessageMember(&data_, tag >> 3, DataPrototype(tag >> 3), ptr, ctx);
+      return wire::ReadMessageMember<ArrayDataUnion>(&data_, kArrayData, ptr, ctx);
     case wire::LengthDelimitedTag(kWellknowntypeFieldNumber):
       return wire::ReadBytes(wellknowntype_.Mutable(nullptr), ptr, ctx);
   }

@@ -209,6 +209,21 @@ inline uint8_t* WriteMessageField(uint32_t number, const protobuf::MessageLite& 
   return WireFormatLite::InternalWriteMessage(number, message, message.GetCachedSize(),
                                               target, stream);
 }
+// Reads a nested message whose class is known here. The runtime's entry point
+// for messages goes through an out-of-line function and a virtual call at
+// every level of a tree; its entry point for other parsers keeps the length
+// limit and depth bookkeeping inline and calls the class directly.
+template <typename T>
+const char* ParseNested(T* message, const char* ptr, ParseContext* ctx) {
+  struct Direct {
+    T* message;
+    const char* _InternalParse(const char* at, ParseContext* context) {
+      return message->_InternalParse(at, context);
+    }
+  } direct{message};
+  return ctx->ParseMessage(&direct, ptr);
+}
+
 // Replaces the whole content of `bytes` with the field's bytes.
 inline const char* ReadBytes(std::string* bytes, const char* ptr, ParseContext* ctx) {
   return protobuf::internal::InlineGreedyStringParser(bytes, ptr, ctx);
