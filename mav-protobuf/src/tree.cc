@@ -30,6 +30,21 @@ const protobuf::Message& NodePrototype(uint32_t number) {
   }
 }
 
+// Applies `action` (wire::SizeMember, wire::WriteMember) to the node's set
+// member as its own class.
+template <typename OneofT, typename Action>
+auto ApplyToMember(const OneofT& type, Action action) {
+  const uint32_t number = type.case_number;
+  switch (number) {
+    case PropertyNode::kMapType:
+      return action(number, wire::MessageMember<PropertyMap>(type));
+    case PropertyNode::kListType:
+      return action(number, wire::MessageMember<PropertyList>(type));
+    default:
+      return action(number, wire::MessageMember<KVariant>(type));
+  }
+}
+
 }  // namespace
 
 PropertyNode::PropertyNode(const PropertyNode& from) : MessageFrame(from) { MergeFields(from); }
@@ -48,12 +63,13 @@ internal::FieldRead PropertyNode::ReadField(uint32_t tag, const char* ptr,
 }
 
 size_t PropertyNode::FieldsByteSize() const {
-  return type_case() == TYPE_NOT_SET ? 0 : wire::MessageMemberSize(type_);
+  return type_case() == TYPE_NOT_SET ? 0 : ApplyToMember(type_, wire::SizeMember{});
 }
 
 uint8_t* PropertyNode::WriteFields(uint8_t* target,
                                    internal::EpsCopyOutputStream* stream) const {
-  return type_case() == TYPE_NOT_SET ? target : wire::WriteMessageMember(type_, target, stream);
+  if (type_case() == TYPE_NOT_SET) return target;
+  return ApplyToMember(type_, wire::WriteMember{target, stream});
 }
 
 void PropertyNode::MergeFields(const PropertyNode& from) {
@@ -175,10 +191,9 @@ uint8_t* PropertyMap::WriteFields(uint8_t* target,
                                   internal::EpsCopyOutputStream* stream) const {
   auto write_entry = [&](const std::string& key, const PropertyNode& node) {
     target = stream->EnsureSpace(target);
-    target = WireFormatLite::WriteTagToArray(
-        kMapDataFieldNumber, WireFormatLite::WIRETYPE_LENGTH_DELIMITED, target);
-    target = wire::CodedOutputStream::WriteVarint32ToArray(
-        static_cast<uint32_t>(EntrySize(key, node.GetCachedSize())), target);
+    target = wire::WriteLengthDelimitedTag(kMapDataFieldNumber, target);
+    target = wire::WriteVarint32(static_cast<uint32_t>(EntrySize(key, node.GetCachedSize())),
+                                 target);
     target = stream->WriteString(1, key, target);
     target = wire::WriteMessageField(2, node, target, stream);
     IsValidKey(key, WireFormatLite::SERIALIZE);
