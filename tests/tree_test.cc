@@ -2,8 +2,10 @@
 // element reuse, map entries (order, duplicates, missing parts, bad keys) and
 // the parse depth bound.
 
+#include <google/protobuf/dynamic_message.h>
 #include <google/protobuf/stubs/logging.h>
 
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -13,6 +15,7 @@ namespace {
 
 using namespace Tarnwick::MavProtobuf;
 using mav_test::Bytes;
+using mav_test::Deterministic;
 using mav_test::Hex;
 using mav_test::ParseInto;
 using mav_test::WireOf;
@@ -113,6 +116,38 @@ TEST(PropertyMap, ParseKeepsTheLastValueAndFillsMissingParts) {
   EXPECT_EQ(map.map_data().count(""), 1u);
   EXPECT_EQ(map.map_data().at("v").type_case(), PropertyNode::TYPE_NOT_SET);
   EXPECT_EQ(map.map_data().at("z").type_case(), PropertyNode::kListType);
+}
+
+// Maps are sized and written a batch of entries at a time: every entry must
+// be written once whatever the count, in either order, and entries whose
+// length prefix takes one byte or two must agree with the generic
+// implementation.
+TEST(PropertyMap, EveryEntryIsWrittenOnceAtAnyCount) {
+  pb::DynamicMessageFactory factory;
+  const pb::Message* generic = factory.GetPrototype(PropertyMap::descriptor());
+  for (int count : {1, 2, 15, 16, 17, 31, 32, 33, 47, 48, 49, 50, 64, 65, 300}) {
+    SCOPED_TRACE(count);
+    PropertyMap map;
+    for (int n = 0; n < count; ++n) {
+      PropertyNode& node = At(&map, "key-" + std::to_string(n));
+      switch (n % 5) {
+        case 0: node.mutable_value_type()->mutable_scalar_data()->set_string_content(std::string(n % 140, 's')); break;
+        case 1: At(node.mutable_map_type(), "inner").mutable_value_type()->mutable_scalar_data()->set_int32_content(n); break;
+        case 2: node.mutable_list_type()->add_list_data()->mutable_value_type()->mutable_array_data()->add_dimensions(n); break;
+        case 3: node.mutable_value_type()->mutable_scalar_data()->mutable_duration_content()->set_seconds_content(n); break;
+        default: break;  // an empty node
+      }
+    }
+    const std::string sorted = WireOf(map, true);
+    std::unique_ptr<pb::Message> read(generic->New());
+    ASSERT_TRUE(read->ParseFromString(sorted));
+    EXPECT_EQ(Hex(Deterministic(*read)), Hex(sorted));
+
+    PropertyMap back;
+    ASSERT_TRUE(ParseInto(&back, WireOf(map)));
+    EXPECT_EQ(back.map_data_size(), count);
+    EXPECT_EQ(Hex(WireOf(back, true)), Hex(sorted));
+  }
 }
 
 std::string g_log;

@@ -19,25 +19,31 @@ const char* ReadMessageMember(OneofT* oneof, uint32_t number, const char* ptr,
   return ParseNested(oneof->template MutableMessage<T>(number), ptr, ctx);
 }
 
-template <typename OneofT>
-size_t MessageMemberSize(const OneofT& oneof) {
-  return MessageFieldSize(oneof.case_number, *oneof.slot.message);
+// The set message member as `M`, its own class.
+template <typename M, typename OneofT>
+const M& MessageMember(const OneofT& oneof) {
+  return static_cast<const M&>(*oneof.slot.message);
 }
 
-// A set member is written even when it is empty (tag and length 0). Written
-// here rather than by the runtime's out-of-line message writer: a tree
-// crosses a oneof at nearly every level.
-template <typename OneofT>
-uint8_t* WriteMessageMember(const OneofT& oneof, uint8_t* target,
-                            EpsCopyOutputStream* stream) {
-  const protobuf::Message& member = *oneof.slot.message;
-  target = stream->EnsureSpace(target);
-  target = WireFormatLite::WriteTagToArray(oneof.case_number,
-                                           WireFormatLite::WIRETYPE_LENGTH_DELIMITED, target);
-  target = CodedOutputStream::WriteVarint32ToArray(static_cast<uint32_t>(member.GetCachedSize()),
-                                                   target);
-  return member._InternalSerialize(target, stream);
-}
+// Sizing and writing of a set message member, given its number and the member
+// as its own class, so that the calls go straight to that class (see
+// MessageFieldSize). Each union has one function that picks the class by the
+// member's number and applies one of these. A set member is written even when
+// it is empty (tag and length 0).
+struct SizeMember {
+  template <typename M>
+  size_t operator()(uint32_t number, const M& member) const {
+    return MessageFieldSize(number, member);
+  }
+};
+struct WriteMember {
+  uint8_t* target;
+  EpsCopyOutputStream* stream;
+  template <typename M>
+  uint8_t* operator()(uint32_t number, const M& member) const {
+    return WriteMessageField(number, member, target, stream);
+  }
+};
 
 // The same member merges field by field; another one is replaced by a copy.
 template <typename OneofT>

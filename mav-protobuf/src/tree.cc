@@ -30,6 +30,50 @@ const protobuf::Message& NodePrototype(uint32_t number) {
   }
 }
 
+// Applies `action` (wire::SizeMember, wire::WriteMember) to the node's set
+// member as its own class.
+template <typename OneofT, typename Action>
+auto ApplyToMember(const OneofT& type, Action action) {
+  const uint32_t number = type.case_number;
+  switch (number) {
+    case PropertyNode::kMapType:
+      return action(number, wire::MessageMember<PropertyMap>(type));
+    case PropertyNode::kListType:
+      return action(number, wire::MessageMember<PropertyList>(type));
+    default:
+      return action(number, wire::MessageMember<KVariant>(type));
+  }
+}
+
+// Asks for a node's member: the first memory that sizing or writing the node
+// reads after the node itself.
+void PrefetchMember(const PropertyNode& node) {
+  switch (node.type_case()) {
+    case PropertyNode::kMapType:
+      return __builtin_prefetch(&node.map_type());
+    case PropertyNode::kListType:
+      return __builtin_prefetch(&node.list_type());
+    case PropertyNode::kValueType:
+      return __builtin_prefetch(&node.value_type());
+    case PropertyNode::TYPE_NOT_SET:
+      return;
+  }
+}
+
+// Asks for the scalar or array that a value node holds.
+void PrefetchData(const PropertyNode& node) {
+  if (!node.has_value_type()) return;
+  const KVariant& value = node.value_type();
+  switch (value.data_case()) {
+    case KVariant::kScalarData:
+      return __builtin_prefetch(&value.scalar_data());
+    case KVariant::kArrayData:
+      return __builtin_prefetch(&value.array_data());
+    case KVariant::DATA_NOT_SET:
+      return;
+  }
+}
+
 }  // namespace
 
 PropertyNode::PropertyNode(const PropertyNode& from) : MessageFrame(from) { MergeFields(from); }
@@ -50,12 +94,13 @@ internal::FieldRead PropertyNode::ReadField(uint32_t tag, const char* ptr,
 }
 
 size_t PropertyNode::FieldsByteSize() const {
-  return type_case() == TYPE_NOT_SET ? 0 : wire::MessageMemberSize(type_);
+  return type_case() == TYPE_NOT_SET ? 0 : ApplyToMember(type_, wire::SizeMember{});
 }
 
 uint8_t* PropertyNode::WriteFields(uint8_t* target,
                                    internal::EpsCopyOutputStream* stream) const {
-  return type_case() == TYPE_NOT_SET ? target : wire::WriteMessageMember(type_, target, stream);
+  if (type_case() == TYPE_NOT_SET) return target;
+  return ApplyToMember(type_, wire::WriteMember{target, stream});
 }
 
 void PropertyNode::MergeFields(const PropertyNode& from) {
@@ -89,17 +134,21 @@ size_t EntrySize(const std::string& key, size_t node_size) {
          WireFormatLite::LengthDelimitedSize(node_size);
 }
 
+// A word at a time; the last word may overlap the one before it, so a key of
+// eight bytes or more takes no byte loop.
 bool IsAscii(const std::string& text) {
   constexpr uint64_t kHighBits = 0x8080808080808080u;
   const char* bytes = text.data();
-  size_t left = text.size();
+  const size_t size = text.size();
   uint64_t seen = 0;
-  for (; left >= sizeof(uint64_t); left -= sizeof(uint64_t), bytes += sizeof(uint64_t)) {
-    uint64_t word;
-    std::memcpy(&word, bytes, sizeof(word));
-    seen |= word;
+  if (size >= sizeof(uint64_t)) {
+    for (size_t at = 0; at + sizeof(uint64_t) < size; at += sizeof(uint64_t)) {
+      seen |= varint::Load64(bytes + at);
+    }
+    seen |= varint::Load64(bytes + size - sizeof(uint64_t));
+  } else {
+    for (size_t at = 0; at < size; ++at) seen |= static_cast<uint8_t>(bytes[at]);
   }
-  for (; left > 0; --left) seen |= static_cast<uint8_t>(*bytes++);
   return (seen & kHighBits) == 0;
 }
 
@@ -108,6 +157,48 @@ bool IsAscii(const std::string& text) {
 bool IsValidKey(const std::string& key, WireFormatLite::Operation operation) {
   return IsAscii(key) || WireFormatLite::VerifyUtf8String(key.data(), static_cast<int>(key.size()),
                                                           operation, kKeyFieldName);
+}
+
+// Visits the entries that `next` hands out one by one (a pointer each, null
+// after the last, and from then on). A tree's nodes lie scattered over the
+// heap and each leaf is reached through three or four pointers in a row, so
+// sizing and writing a map wait on memory far longer than they compute. The
+// walk therefore takes the entries a batch at a time and asks for one level of
+// a whole batch at once, a batch's worth of visits before that level is read:
+// each step gathers a new batch (the map's own walk reads its entries), asks
+// for the members of its nodes, asks for the content of the values in the
+// batch before, and visits the batch before that. The requests of one level
+// are independent, so their waits overlap instead of adding up.
+template <typename Next, typename Visit>
+void WalkAhead(Next next, Visit visit) {
+  constexpr int kBatch = 16;
+  constexpr int kStages = 3;
+  const NodeMap::value_type* batches[kStages][kBatch];
+  int counts[kStages] = {};
+  for (int step = 0;; ++step) {
+    const NodeMap::value_type** gathered = batches[step % kStages];
+    int& count = counts[step % kStages];
+    count = 0;
+    while (count < kBatch && (gathered[count] = next()) != nullptr) ++count;
+    for (int i = 0; i < count; ++i) PrefetchMember(gathered[i]->second);
+
+    const NodeMap::value_type** members = batches[(step + kStages - 1) % kStages];
+    const int member_count = counts[(step + kStages - 1) % kStages];
+    for (int i = 0; i < member_count; ++i) PrefetchData(members[i]->second);
+
+    const NodeMap::value_type** visited = batches[(step + kStages - 2) % kStages];
+    int& visit_count = counts[(step + kStages - 2) % kStages];
+    for (int i = 0; i < visit_count; ++i) visit(*visited[i]);
+    visit_count = 0;
+    if (count == 0 && member_count == 0) return;
+  }
+}
+
+// The map's entries in its own order, for WalkAhead.
+auto InMapOrder(const NodeMap& map) {
+  return [it = map.begin(), end = map.end()]() mutable -> const NodeMap::value_type* {
+    return it == end ? nullptr : &*it++;
+  };
 }
 
 // The entries of a map in byte-wise key order. Most keys differ within their
@@ -128,8 +219,12 @@ class SortedEntries {
       return a.prefix != b.prefix ? a.prefix < b.prefix : a.pair->first < b.pair->first;
     });
   }
-  std::vector<Entry>::const_iterator begin() const { return entries_.begin(); }
-  std::vector<Entry>::const_iterator end() const { return entries_.end(); }
+  // The entries in order, for WalkAhead.
+  auto InOrder() const {
+    return [it = entries_.begin(), end = entries_.end()]() mutable -> const NodeMap::value_type* {
+      return it == end ? nullptr : (it++)->pair;
+    };
+  }
 
  private:
   static uint64_t KeyPrefix(const std::string& key) {
@@ -142,6 +237,20 @@ class SortedEntries {
 
   std::vector<Entry> entries_;
 };
+
+// One entry as a map field element: tag, length, key, node.
+uint8_t* WriteEntry(const NodeMap::value_type& entry, uint8_t* target,
+                    internal::EpsCopyOutputStream* stream) {
+  const std::string& key = entry.first;
+  const PropertyNode& node = entry.second;
+  target = stream->EnsureSpace(target);
+  target = wire::WriteLengthDelimitedTag(PropertyMap::kMapDataFieldNumber, target);
+  target = wire::WriteVarint32(static_cast<uint32_t>(EntrySize(key, node.GetCachedSize())), target);
+  target = stream->WriteString(1, key, target);
+  target = wire::WriteMessageField(2, node, target, stream);
+  IsValidKey(key, WireFormatLite::SERIALIZE);
+  return target;
+}
 
 }  // namespace
 
@@ -164,9 +273,9 @@ internal::FieldRead PropertyMap::ReadField(uint32_t tag, const char* ptr,
 size_t PropertyMap::FieldsByteSize() const {
   const auto& map = map_data_.GetMap();
   size_t size = map.size();  // one tag byte per entry
-  for (const auto& entry : map) {
+  WalkAhead(InMapOrder(map), [&size](const NodeMap::value_type& entry) {
     size += WireFormatLite::LengthDelimitedSize(EntrySize(entry.first, entry.second.ByteSizeLong()));
-  }
+  });
   return size;
 }
 
@@ -175,21 +284,15 @@ size_t PropertyMap::FieldsByteSize() const {
 // only logged.
 uint8_t* PropertyMap::WriteFields(uint8_t* target,
                                   internal::EpsCopyOutputStream* stream) const {
-  auto write_entry = [&](const std::string& key, const PropertyNode& node) {
-    target = stream->EnsureSpace(target);
-    target = WireFormatLite::WriteTagToArray(
-        kMapDataFieldNumber, WireFormatLite::WIRETYPE_LENGTH_DELIMITED, target);
-    target = wire::CodedOutputStream::WriteVarint32ToArray(
-        static_cast<uint32_t>(EntrySize(key, node.GetCachedSize())), target);
-    target = stream->WriteString(1, key, target);
-    target = wire::WriteMessageField(2, node, target, stream);
-    IsValidKey(key, WireFormatLite::SERIALIZE);
+  auto write_entry = [&target, stream](const NodeMap::value_type& entry) {
+    target = WriteEntry(entry, target, stream);
   };
   const auto& map = map_data_.GetMap();
   if (stream->IsSerializationDeterministic() && map.size() > 1) {
-    for (const auto& entry : SortedEntries(map)) write_entry(entry.pair->first, entry.pair->second);
+    const SortedEntries sorted(map);
+    WalkAhead(sorted.InOrder(), write_entry);
   } else {
-    for (const auto& entry : map) write_entry(entry.first, entry.second);
+    WalkAhead(InMapOrder(map), write_entry);
   }
   return target;
 }

@@ -38,6 +38,21 @@ const char* ReadScalarMember(OneofT* oneof, uint32_t number, T internal::OneofSl
   return ptr;
 }
 
+// Applies `action` (wire::SizeMember, wire::WriteMember) to the set message
+// member as its own class.
+template <typename OneofT, typename Action>
+auto ApplyToMessageMember(const OneofT& content, Action action) {
+  const uint32_t number = content.case_number;
+  switch (number) {
+    case ScalarDataUnion::kComplexFloatContent:
+      return action(number, wire::MessageMember<ComplexFloat>(content));
+    case ScalarDataUnion::kComplexDoubleContent:
+      return action(number, wire::MessageMember<ComplexDouble>(content));
+    default:  // duration_content, timePoint_content
+      return action(number, wire::MessageMember<ChronoData>(content));
+  }
+}
+
 }  // namespace
 
 ScalarDataUnion::ScalarDataUnion(const ScalarDataUnion& from) : MessageFrame(from) {
@@ -103,7 +118,7 @@ size_t ScalarDataUnion::FieldsByteSize() const {
     case kComplexFloatContent:
     case kComplexDoubleContent:
     case kDurationContent:
-    case kTimePointContent: return wire::MessageMemberSize(content_);
+    case kTimePointContent: return ApplyToMessageMember(content_, wire::SizeMember{});
     case CONTENT_NOT_SET: break;
   }
   return 0;
@@ -133,7 +148,8 @@ uint8_t* ScalarDataUnion::WriteFields(uint8_t* target,
     case kComplexFloatContent:
     case kComplexDoubleContent:
     case kDurationContent:
-    case kTimePointContent: return wire::WriteMessageMember(content_, target, stream);
+    case kTimePointContent:
+      return ApplyToMessageMember(content_, wire::WriteMember{target, stream});
     case CONTENT_NOT_SET: break;
   }
   return target;
@@ -209,6 +225,43 @@ const ArrayMember kArrayMembers[] = {
 
 constexpr uint32_t kLastArrayMember = ArrayDataUnion::kTimePointContent;
 
+// Applies `action` (wire::SizeMember, wire::WriteMember) to the set member as
+// its own class.
+template <typename OneofT, typename Action>
+auto ApplyToMember(const OneofT& content, Action action) {
+  const uint32_t number = content.case_number;
+  switch (number) {
+    case ArrayDataUnion::kStringContent:
+      return action(number, wire::MessageMember<ArrayString>(content));
+    case ArrayDataUnion::kFloatContent:
+    case ArrayDataUnion::kComplexFloatContent:
+      return action(number, wire::MessageMember<ArrayFloat>(content));
+    case ArrayDataUnion::kDoubleContent:
+    case ArrayDataUnion::kComplexDoubleContent:
+      return action(number, wire::MessageMember<ArrayDouble>(content));
+    case ArrayDataUnion::kInt8Content:
+      return action(number, wire::MessageMember<ArrayInt8>(content));
+    case ArrayDataUnion::kInt16Content:
+      return action(number, wire::MessageMember<ArrayInt16>(content));
+    case ArrayDataUnion::kInt32Content:
+      return action(number, wire::MessageMember<ArrayInt32>(content));
+    case ArrayDataUnion::kInt64Content:
+      return action(number, wire::MessageMember<ArrayInt64>(content));
+    case ArrayDataUnion::kUnsignedInt8Content:
+      return action(number, wire::MessageMember<ArrayUnsignedInt8>(content));
+    case ArrayDataUnion::kUnsignedInt16Content:
+      return action(number, wire::MessageMember<ArrayUnsignedInt16>(content));
+    case ArrayDataUnion::kUnsignedInt32Content:
+      return action(number, wire::MessageMember<ArrayUnsignedInt32>(content));
+    case ArrayDataUnion::kUnsignedInt64Content:
+      return action(number, wire::MessageMember<ArrayUnsignedInt64>(content));
+    case ArrayDataUnion::kBoolContent:
+      return action(number, wire::MessageMember<ArrayBool>(content));
+    default:  // duration_content, timePoint_content
+      return action(number, wire::MessageMember<ArrayChronoData>(content));
+  }
+}
+
 using Shape = protobuf::RepeatedField<uint32_t>;
 
 // A shape has a handful of axes, too few for the packed-run algorithm's set-up
@@ -275,7 +328,7 @@ internal::FieldRead ArrayDataUnion::ReadField(uint32_t tag, const char* ptr,
 size_t ArrayDataUnion::FieldsByteSize() const {
   size_t size = ShapeFieldSize(dimensions_, &dimensions_cached_byte_size_);
   if (!dataorder().empty()) size += wire::BytesFieldSize(kDataorderFieldNumber, dataorder());
-  if (content_case() != CONTENT_NOT_SET) size += wire::MessageMemberSize(content_);
+  if (content_case() != CONTENT_NOT_SET) size += ApplyToMember(content_, wire::SizeMember{});
   return size;
 }
 
@@ -285,13 +338,15 @@ uint8_t* ArrayDataUnion::WriteFields(uint8_t* target,
                                      internal::EpsCopyOutputStream* stream) const {
   const uint32_t member = content_.case_number;
   if (member != CONTENT_NOT_SET && member < kDataorderFieldNumber) {
-    target = wire::WriteMessageMember(content_, target, stream);
+    target = ApplyToMember(content_, wire::WriteMember{target, stream});
   }
   if (!dataorder().empty()) {
     target = stream->WriteBytesMaybeAliased(kDataorderFieldNumber, dataorder(), target);
   }
   target = WriteShape(dimensions_, dimensions_cached_byte_size_.Get(), target, stream);
-  if (member > kDimensionsFieldNumber) target = wire::WriteMessageMember(content_, target, stream);
+  if (member > kDimensionsFieldNumber) {
+    target = ApplyToMember(content_, wire::WriteMember{target, stream});
+  }
   return target;
 }
 
@@ -328,6 +383,17 @@ const protobuf::Message& DataPrototype(uint32_t number) {
   return _ArrayDataUnion_default_instance_.instance;
 }
 
+// Applies `action` (wire::SizeMember, wire::WriteMember) to the set member as
+// its own class.
+template <typename OneofT, typename Action>
+auto ApplyToData(const OneofT& data, Action action) {
+  const uint32_t number = data.case_number;
+  if (number == KVariant::kScalarData) {
+    return action(number, wire::MessageMember<ScalarDataUnion>(data));
+  }
+  return action(number, wire::MessageMember<ArrayDataUnion>(data));
+}
+
 }  // namespace
 
 KVariant::KVariant(const KVariant& from) : MessageFrame(from) { MergeFields(from); }
@@ -352,7 +418,7 @@ internal::FieldRead KVariant::ReadField(uint32_t tag, const char* ptr,
 
 size_t KVariant::FieldsByteSize() const {
   size_t size = 0;
-  if (data_case() != DATA_NOT_SET) size += wire::MessageMemberSize(data_);
+  if (data_case() != DATA_NOT_SET) size += ApplyToData(data_, wire::SizeMember{});
   if (!wellknowntype().empty()) {
     size += wire::BytesFieldSize(kWellknowntypeFieldNumber, wellknowntype());
   }
@@ -360,7 +426,7 @@ size_t KVariant::FieldsByteSize() const {
 }
 
 uint8_t* KVariant::WriteFields(uint8_t* target, internal::EpsCopyOutputStream* stream) const {
-  if (data_case() != DATA_NOT_SET) target = wire::WriteMessageMember(data_, target, stream);
+  if (data_case() != DATA_NOT_SET) target = ApplyToData(data_, wire::WriteMember{target, stream});
   if (!wellknowntype().empty()) {
     target = stream->WriteBytesMaybeAliased(kWellknowntypeFieldNumber, wellknowntype(), target);
   }

@@ -183,6 +183,19 @@ class OutermostParse {
   bool restore_ = false;
 };
 
+// Tags and lengths in a tree are nearly all below 128: one byte, written
+// inline; the runtime's writer, out of line, takes the others.
+inline uint8_t* WriteVarint32(uint32_t value, uint8_t* target) {
+  if (value < 0x80) {
+    *target = static_cast<uint8_t>(value);
+    return target + 1;
+  }
+  return CodedOutputStream::WriteVarint32ToArray(value, target);
+}
+inline uint8_t* WriteLengthDelimitedTag(uint32_t number, uint8_t* target) {
+  return WriteVarint32(LengthDelimitedTag(number), target);
+}
+
 // A singular scalar field: tag and value.
 template <typename T>
 size_t ScalarFieldSize(uint32_t number, T value) {
@@ -192,7 +205,7 @@ template <typename T>
 uint8_t* WriteScalarField(uint32_t number, T value, uint8_t* target,
                           EpsCopyOutputStream* stream) {
   target = stream->EnsureSpace(target);
-  target = WireFormatLite::WriteTagToArray(number, Codec<T>::kWireType, target);
+  target = WriteVarint32(MakeTag(number, Codec<T>::kWireType), target);
   return Codec<T>::Write(value, target);
 }
 
@@ -200,14 +213,22 @@ uint8_t* WriteScalarField(uint32_t number, T value, uint8_t* target,
 inline size_t BytesFieldSize(uint32_t number, const std::string& bytes) {
   return TagSize(number) + WireFormatLite::BytesSize(bytes);
 }
-inline size_t MessageFieldSize(uint32_t number, const protobuf::MessageLite& message) {
+// A message field, `M` being the message's own class: its size, cached-size
+// and serializer functions are final, so they are called directly, and inlined
+// where this library defines them, rather than through the virtual table on
+// every level of a tree.
+template <typename M>
+size_t MessageFieldSize(uint32_t number, const M& message) {
   return TagSize(number) + WireFormatLite::LengthDelimitedSize(message.ByteSizeLong());
 }
-inline uint8_t* WriteMessageField(uint32_t number, const protobuf::MessageLite& message,
-                                  uint8_t* target, EpsCopyOutputStream* stream) {
+// A message is written even when it is empty (tag and length 0).
+template <typename M>
+uint8_t* WriteMessageField(uint32_t number, const M& message, uint8_t* target,
+                           EpsCopyOutputStream* stream) {
   target = stream->EnsureSpace(target);
-  return WireFormatLite::InternalWriteMessage(number, message, message.GetCachedSize(),
-                                              target, stream);
+  target = WriteLengthDelimitedTag(number, target);
+  target = WriteVarint32(static_cast<uint32_t>(message.GetCachedSize()), target);
+  return message._InternalSerialize(target, stream);
 }
 // Reads a nested message whose class is known here. The runtime's entry point
 // for messages goes through an out-of-line function and a virtual call at
@@ -262,10 +283,8 @@ struct Packed {
                         uint8_t* target, EpsCopyOutputStream* stream) {
     if (values.empty()) return target;
     target = stream->EnsureSpace(target);
-    target = WireFormatLite::WriteTagToArray(
-        number, WireFormatLite::WIRETYPE_LENGTH_DELIMITED, target);
-    target = CodedOutputStream::WriteVarint32ToArray(
-        static_cast<uint32_t>(cached_payload), target);
+    target = WriteLengthDelimitedTag(number, target);
+    target = WriteVarint32(static_cast<uint32_t>(cached_payload), target);
     if constexpr (kBulk) {
       return stream->WriteRawMaybeAliased(
           values.data(), static_cast<int>(sizeof(T)) * values.size(), target);
