@@ -371,9 +371,6 @@ struct Oneof {
   uint32_t case_number = 0;
 
   bool Holds(uint32_t number) const { return case_number == number; }
-  static constexpr bool IsMessageMember(uint32_t number) {
-    return number < 32 && ((kMessageMembers >> number) & 1) != 0;
-  }
 
   // Frees the member that is set and leaves the oneof empty.
   void Clear() {
@@ -457,6 +454,16 @@ struct Oneof {
     if (!Holds(number)) return nullptr;
     case_number = 0;
     return static_cast<T*>(std::exchange(slot.message, nullptr));
+  }
+  // The same, for code that handles the members generically: a new member is
+  // made from its prototype.
+  protobuf::Message* MutableMessage(uint32_t number, const protobuf::Message& prototype) {
+    if (!Holds(number)) {
+      Clear();
+      case_number = number;
+      slot.message = prototype.New(nullptr);
+    }
+    return slot.message;
   }
   void SetAllocatedMessage(uint32_t number, protobuf::Message* value) {
     Clear();
@@ -885,6 +892,12 @@ class MAV_PROTOBUF_EXPORT ArrayBool final
 // ---------------------------------------------------------------------------
 // Unions
 
+namespace internal {
+// The sixteen message members of ArrayDataUnion's `content`.
+using ArrayContent =
+    Oneof<Members({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 17, 18})>;
+}  // namespace internal
+
 // One n-dimensional array of sixteen element kinds, its shape `dimensions` and
 // the opaque `dataorder`. Nothing relates the element count to the shape.
 class MAV_PROTOBUF_EXPORT ArrayDataUnion final
@@ -1096,8 +1109,7 @@ class MAV_PROTOBUF_EXPORT ArrayDataUnion final
   mutable protobuf::internal::CachedSize dimensions_cached_byte_size_;
   protobuf::internal::ArenaStringPtr dataorder_{
       &protobuf::internal::fixed_address_empty_string, internal::ConstantInitialized{}};
-  internal::Oneof<internal::Members({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 17, 18})>
-      content_;
+  internal::ArrayContent content_;
 };
 
 // One scalar of sixteen kinds. Integers narrower than 32 bits are carried as

@@ -11,56 +11,44 @@ namespace Tarnwick {
 namespace MavProtobuf {
 namespace wire {
 
-// Each union names the classes of its message members once, in a function
-// object of the form
-//   template <typename Visit> auto operator()(uint32_t number, Visit visit) const
-// that calls visit(number, Class<M>()) with the class M of member `number`
-// (passing the number on lets each case write its tag as a constant). Reading,
-// sizing, writing and merging below go through it, so every call reaches the
-// member's own class directly rather than through the virtual table, on every
-// level of a tree.
-template <typename M>
-struct Class {
-  using type = M;
-};
-
 // A member that is read again merges into the one already held; another
 // member replaces it.
-template <typename Members, typename OneofT>
+template <typename T, typename OneofT>
 const char* ReadMessageMember(OneofT* oneof, uint32_t number, const char* ptr,
                               ParseContext* ctx) {
-  return Members()(number, [oneof, ptr, ctx](uint32_t number, auto member) {
-    using M = typename decltype(member)::type;
-    return ParseNested(oneof->template MutableMessage<M>(number), ptr, ctx);
-  });
+  return ParseNested(oneof->template MutableMessage<T>(number), ptr, ctx);
 }
 
-template <typename Members, typename OneofT>
-size_t MessageMemberSize(const OneofT& oneof) {
-  return Members()(oneof.case_number, [&oneof](uint32_t number, auto member) {
-    using M = typename decltype(member)::type;
-    return MessageFieldSize(number, static_cast<const M&>(*oneof.slot.message));
-  });
+// The set message member as `M`, its own class.
+template <typename M, typename OneofT>
+const M& MessageMember(const OneofT& oneof) {
+  return static_cast<const M&>(*oneof.slot.message);
 }
 
-template <typename Members, typename OneofT>
-uint8_t* WriteMessageMember(const OneofT& oneof, uint8_t* target,
-                            EpsCopyOutputStream* stream) {
-  return Members()(oneof.case_number, [&oneof, target, stream](uint32_t number, auto member) {
-    using M = typename decltype(member)::type;
-    return WriteMessageField(number, static_cast<const M&>(*oneof.slot.message),
-                             target, stream);
-  });
-}
+// Sizing and writing of a set message member, given its number and the member
+// as its own class, so that the calls go straight to that class (see
+// MessageFieldSize). Each union has one function that picks the class by the
+// member's number and applies one of these. A set member is written even when
+// it is empty (tag and length 0).
+struct SizeMember {
+  template <typename M>
+  size_t operator()(uint32_t number, const M& member) const {
+    return MessageFieldSize(number, member);
+  }
+};
+struct WriteMember {
+  uint8_t* target;
+  EpsCopyOutputStream* stream;
+  template <typename M>
+  uint8_t* operator()(uint32_t number, const M& member) const {
+    return WriteMessageField(number, member, target, stream);
+  }
+};
 
 // The same member merges field by field; another one is replaced by a copy.
-template <typename Members, typename OneofT>
-void MergeMessageMember(OneofT* to, const OneofT& from) {
-  Members()(from.case_number, [to, &from](uint32_t number, auto member) {
-    using M = typename decltype(member)::type;
-    to->template MutableMessage<M>(number)
-        ->MergeFrom(static_cast<const M&>(*from.slot.message));
-  });
+template <typename OneofT>
+void MergeMessageMember(OneofT* to, const OneofT& from, const protobuf::Message& prototype) {
+  to->MutableMessage(from.case_number, prototype)->MergeFrom(*from.slot.message);
 }
 
 }  // namespace wire

@@ -19,20 +19,31 @@ template class internal::MessageFrame<PropertyNode>;
 
 namespace {
 
-// The classes of a node's members (see oneof_members.h).
-struct NodeMembers {
-  template <typename Visit>
-  auto operator()(uint32_t number, Visit visit) const {
-    switch (number) {
-      case PropertyNode::kMapType:
-        return visit(number, wire::Class<PropertyMap>());
-      case PropertyNode::kListType:
-        return visit(number, wire::Class<PropertyList>());
-      default:
-        return visit(number, wire::Class<KVariant>());
-    }
+const protobuf::Message& NodePrototype(uint32_t number) {
+  switch (number) {
+    case PropertyNode::kMapType:
+      return _PropertyMap_default_instance_.instance;
+    case PropertyNode::kListType:
+      return _PropertyList_default_instance_.instance;
+    default:
+      return _KVariant_default_instance_.instance;
   }
-};
+}
+
+// Applies `action` (wire::SizeMember, wire::WriteMember) to the node's set
+// member as its own class.
+template <typename OneofT, typename Action>
+auto ApplyToMember(const OneofT& type, Action action) {
+  const uint32_t number = type.case_number;
+  switch (number) {
+    case PropertyNode::kMapType:
+      return action(number, wire::MessageMember<PropertyMap>(type));
+    case PropertyNode::kListType:
+      return action(number, wire::MessageMember<PropertyList>(type));
+    default:
+      return action(number, wire::MessageMember<KVariant>(type));
+  }
+}
 
 // Asks for a node's member: the first memory that sizing or writing the node
 // reads after the node itself.
@@ -73,26 +84,28 @@ internal::FieldRead PropertyNode::ReadField(uint32_t tag, const char* ptr,
                                             internal::ParseContext* ctx) {
   switch (tag) {
     case wire::LengthDelimitedTag(kMapType):
+      return wire::ReadMessageMember<PropertyMap>(&type_, kMapType, ptr, ctx);
     case wire::LengthDelimitedTag(kListType):
+      return wire::ReadMessageMember<PropertyList>(&type_, kListType, ptr, ctx);
     case wire::LengthDelimitedTag(kValueType):
-      return wire::ReadMessageMember<NodeMembers>(&type_, tag >> 3, ptr, ctx);
+      return wire::ReadMessageMember<KVariant>(&type_, kValueType, ptr, ctx);
   }
   return std::nullopt;
 }
 
 size_t PropertyNode::FieldsByteSize() const {
-  return type_case() == TYPE_NOT_SET ? 0 : wire::MessageMemberSize<NodeMembers>(type_);
+  return type_case() == TYPE_NOT_SET ? 0 : ApplyToMember(type_, wire::SizeMember{});
 }
 
 uint8_t* PropertyNode::WriteFields(uint8_t* target,
                                    internal::EpsCopyOutputStream* stream) const {
   if (type_case() == TYPE_NOT_SET) return target;
-  return wire::WriteMessageMember<NodeMembers>(type_, target, stream);
+  return ApplyToMember(type_, wire::WriteMember{target, stream});
 }
 
 void PropertyNode::MergeFields(const PropertyNode& from) {
   if (from.type_case() == TYPE_NOT_SET) return;
-  wire::MergeMessageMember<NodeMembers>(&type_, from.type_);
+  wire::MergeMessageMember(&type_, from.type_, NodePrototype(from.type_.case_number));
 }
 
 void PropertyNode::ClearFields() { type_.Clear(); }

@@ -15,20 +15,16 @@ template class internal::MessageFrame<ScalarDataUnion>;
 
 namespace {
 
-// The classes of the message members (see oneof_members.h).
-struct ScalarMembers {
-  template <typename Visit>
-  auto operator()(uint32_t number, Visit visit) const {
-    switch (number) {
-      case ScalarDataUnion::kComplexFloatContent:
-        return visit(number, wire::Class<ComplexFloat>());
-      case ScalarDataUnion::kComplexDoubleContent:
-        return visit(number, wire::Class<ComplexDouble>());
-      default:  // duration_content, timePoint_content
-        return visit(number, wire::Class<ChronoData>());
-    }
+const protobuf::Message& ScalarMessagePrototype(uint32_t number) {
+  switch (number) {
+    case ScalarDataUnion::kComplexFloatContent:
+      return _ComplexFloat_default_instance_.instance;
+    case ScalarDataUnion::kComplexDoubleContent:
+      return _ComplexDouble_default_instance_.instance;
+    default:
+      return _ChronoData_default_instance_.instance;
   }
-};
+}
 
 // A scalar member read from the wire replaces whatever member was set; if the
 // value cannot be read the oneof is left empty.
@@ -40,6 +36,21 @@ const char* ReadScalarMember(OneofT* oneof, uint32_t number, T internal::OneofSl
   ptr = wire::ReadValue(ptr, ctx, &value);
   if (ptr != nullptr) oneof->SetScalar(number, member, value);
   return ptr;
+}
+
+// Applies `action` (wire::SizeMember, wire::WriteMember) to the set message
+// member as its own class.
+template <typename OneofT, typename Action>
+auto ApplyToMessageMember(const OneofT& content, Action action) {
+  const uint32_t number = content.case_number;
+  switch (number) {
+    case ScalarDataUnion::kComplexFloatContent:
+      return action(number, wire::MessageMember<ComplexFloat>(content));
+    case ScalarDataUnion::kComplexDoubleContent:
+      return action(number, wire::MessageMember<ComplexDouble>(content));
+    default:  // duration_content, timePoint_content
+      return action(number, wire::MessageMember<ChronoData>(content));
+  }
 }
 
 }  // namespace
@@ -78,10 +89,13 @@ internal::FieldRead ScalarDataUnion::ReadField(uint32_t tag, const char* ptr,
     case MakeTag(kBoolContent, WireFormatLite::WIRETYPE_VARINT):
       return ReadScalarMember(&content_, kBoolContent, &Slot::bool_value, ptr, ctx);
     case wire::LengthDelimitedTag(kComplexFloatContent):
+      return wire::ReadMessageMember<ComplexFloat>(&content_, kComplexFloatContent, ptr, ctx);
     case wire::LengthDelimitedTag(kComplexDoubleContent):
+      return wire::ReadMessageMember<ComplexDouble>(&content_, kComplexDoubleContent, ptr, ctx);
     case wire::LengthDelimitedTag(kDurationContent):
+      return wire::ReadMessageMember<ChronoData>(&content_, kDurationContent, ptr, ctx);
     case wire::LengthDelimitedTag(kTimePointContent):
-      return wire::ReadMessageMember<ScalarMembers>(&content_, tag >> 3, ptr, ctx);
+      return wire::ReadMessageMember<ChronoData>(&content_, kTimePointContent, ptr, ctx);
   }
   return std::nullopt;
 }
@@ -104,7 +118,7 @@ size_t ScalarDataUnion::FieldsByteSize() const {
     case kComplexFloatContent:
     case kComplexDoubleContent:
     case kDurationContent:
-    case kTimePointContent: return wire::MessageMemberSize<ScalarMembers>(content_);
+    case kTimePointContent: return ApplyToMessageMember(content_, wire::SizeMember{});
     case CONTENT_NOT_SET: break;
   }
   return 0;
@@ -135,7 +149,7 @@ uint8_t* ScalarDataUnion::WriteFields(uint8_t* target,
     case kComplexDoubleContent:
     case kDurationContent:
     case kTimePointContent:
-      return wire::WriteMessageMember<ScalarMembers>(content_, target, stream);
+      return ApplyToMessageMember(content_, wire::WriteMember{target, stream});
     case CONTENT_NOT_SET: break;
   }
   return target;
@@ -153,7 +167,7 @@ void ScalarDataUnion::MergeFields(const ScalarDataUnion& from) {
     case kComplexDoubleContent:
     case kDurationContent:
     case kTimePointContent:
-      wire::MergeMessageMember<ScalarMembers>(&content_, from.content_);
+      wire::MergeMessageMember(&content_, from.content_, ScalarMessagePrototype(member));
       return;
     default:  // a number: its bits are copied as they are
       content_.Select(member);
@@ -172,42 +186,81 @@ template class internal::MessageFrame<ArrayDataUnion>;
 
 namespace {
 
-// The classes of the sixteen members (see oneof_members.h).
-struct ArrayMembers {
-  template <typename Visit>
-  auto operator()(uint32_t number, Visit visit) const {
-    switch (number) {
-      case ArrayDataUnion::kStringContent:
-        return visit(number, wire::Class<ArrayString>());
-      case ArrayDataUnion::kFloatContent:
-      case ArrayDataUnion::kComplexFloatContent:
-        return visit(number, wire::Class<ArrayFloat>());
-      case ArrayDataUnion::kDoubleContent:
-      case ArrayDataUnion::kComplexDoubleContent:
-        return visit(number, wire::Class<ArrayDouble>());
-      case ArrayDataUnion::kInt8Content:
-        return visit(number, wire::Class<ArrayInt8>());
-      case ArrayDataUnion::kInt16Content:
-        return visit(number, wire::Class<ArrayInt16>());
-      case ArrayDataUnion::kInt32Content:
-        return visit(number, wire::Class<ArrayInt32>());
-      case ArrayDataUnion::kInt64Content:
-        return visit(number, wire::Class<ArrayInt64>());
-      case ArrayDataUnion::kUnsignedInt8Content:
-        return visit(number, wire::Class<ArrayUnsignedInt8>());
-      case ArrayDataUnion::kUnsignedInt16Content:
-        return visit(number, wire::Class<ArrayUnsignedInt16>());
-      case ArrayDataUnion::kUnsignedInt32Content:
-        return visit(number, wire::Class<ArrayUnsignedInt32>());
-      case ArrayDataUnion::kUnsignedInt64Content:
-        return visit(number, wire::Class<ArrayUnsignedInt64>());
-      case ArrayDataUnion::kBoolContent:
-        return visit(number, wire::Class<ArrayBool>());
-      default:  // duration_content, timePoint_content
-        return visit(number, wire::Class<ArrayChronoData>());
-    }
-  }
+using internal::ArrayContent;
+
+// What the union needs of each message member: its prototype, for merging,
+// and a reader that makes and parses the member's own class.
+struct ArrayMember {
+  const protobuf::Message* prototype;
+  const char* (*read)(ArrayContent* content, uint32_t number, const char* ptr,
+                      internal::ParseContext* ctx);
 };
+
+template <typename T>
+constexpr ArrayMember MemberOf(const T& prototype) {
+  return {&prototype, &wire::ReadMessageMember<T, ArrayContent>};
+}
+
+const ArrayMember kArrayMembers[] = {
+    {},
+    MemberOf(_ArrayString_default_instance_.instance),
+    MemberOf(_ArrayFloat_default_instance_.instance),
+    MemberOf(_ArrayDouble_default_instance_.instance),
+    MemberOf(_ArrayInt8_default_instance_.instance),
+    MemberOf(_ArrayInt16_default_instance_.instance),
+    MemberOf(_ArrayInt32_default_instance_.instance),
+    MemberOf(_ArrayInt64_default_instance_.instance),
+    MemberOf(_ArrayUnsignedInt8_default_instance_.instance),
+    MemberOf(_ArrayUnsignedInt16_default_instance_.instance),
+    MemberOf(_ArrayUnsignedInt32_default_instance_.instance),
+    MemberOf(_ArrayUnsignedInt64_default_instance_.instance),
+    MemberOf(_ArrayBool_default_instance_.instance),
+    MemberOf(_ArrayFloat_default_instance_.instance),   // complexFloat_content
+    MemberOf(_ArrayDouble_default_instance_.instance),  // complexDouble_content
+    {},                                                 // dataorder
+    {},                                                 // dimensions
+    MemberOf(_ArrayChronoData_default_instance_.instance),  // duration_content
+    MemberOf(_ArrayChronoData_default_instance_.instance),  // timePoint_content
+};
+
+constexpr uint32_t kLastArrayMember = ArrayDataUnion::kTimePointContent;
+
+// Applies `action` (wire::SizeMember, wire::WriteMember) to the set member as
+// its own class.
+template <typename OneofT, typename Action>
+auto ApplyToMember(const OneofT& content, Action action) {
+  const uint32_t number = content.case_number;
+  switch (number) {
+    case ArrayDataUnion::kStringContent:
+      return action(number, wire::MessageMember<ArrayString>(content));
+    case ArrayDataUnion::kFloatContent:
+    case ArrayDataUnion::kComplexFloatContent:
+      return action(number, wire::MessageMember<ArrayFloat>(content));
+    case ArrayDataUnion::kDoubleContent:
+    case ArrayDataUnion::kComplexDoubleContent:
+      return action(number, wire::MessageMember<ArrayDouble>(content));
+    case ArrayDataUnion::kInt8Content:
+      return action(number, wire::MessageMember<ArrayInt8>(content));
+    case ArrayDataUnion::kInt16Content:
+      return action(number, wire::MessageMember<ArrayInt16>(content));
+    case ArrayDataUnion::kInt32Content:
+      return action(number, wire::MessageMember<ArrayInt32>(content));
+    case ArrayDataUnion::kInt64Content:
+      return action(number, wire::MessageMember<ArrayInt64>(content));
+    case ArrayDataUnion::kUnsignedInt8Content:
+      return action(number, wire::MessageMember<ArrayUnsignedInt8>(content));
+    case ArrayDataUnion::kUnsignedInt16Content:
+      return action(number, wire::MessageMember<ArrayUnsignedInt16>(content));
+    case ArrayDataUnion::kUnsignedInt32Content:
+      return action(number, wire::MessageMember<ArrayUnsignedInt32>(content));
+    case ArrayDataUnion::kUnsignedInt64Content:
+      return action(number, wire::MessageMember<ArrayUnsignedInt64>(content));
+    case ArrayDataUnion::kBoolContent:
+      return action(number, wire::MessageMember<ArrayBool>(content));
+    default:  // duration_content, timePoint_content
+      return action(number, wire::MessageMember<ArrayChronoData>(content));
+  }
+}
 
 using Shape = protobuf::RepeatedField<uint32_t>;
 
@@ -265,17 +318,17 @@ internal::FieldRead ArrayDataUnion::ReadField(uint32_t tag, const char* ptr,
           &dimensions_, ptr, ctx);
   }
   const uint32_t number = tag >> 3;
-  if (WireFormatLite::GetTagWireType(tag) != WireFormatLite::WIRETYPE_LENGTH_DELIMITED ||
-      !content_.IsMessageMember(number)) {
+  if (WireFormatLite::GetTagWireType(tag) != WireFormatLite::WIRETYPE_LENGTH_DELIMITED || number > kLastArrayMember ||
+      kArrayMembers[number].read == nullptr) {
     return std::nullopt;
   }
-  return wire::ReadMessageMember<ArrayMembers>(&content_, number, ptr, ctx);
+  return kArrayMembers[number].read(&content_, number, ptr, ctx);
 }
 
 size_t ArrayDataUnion::FieldsByteSize() const {
   size_t size = ShapeFieldSize(dimensions_, &dimensions_cached_byte_size_);
   if (!dataorder().empty()) size += wire::BytesFieldSize(kDataorderFieldNumber, dataorder());
-  if (content_case() != CONTENT_NOT_SET) size += wire::MessageMemberSize<ArrayMembers>(content_);
+  if (content_case() != CONTENT_NOT_SET) size += ApplyToMember(content_, wire::SizeMember{});
   return size;
 }
 
@@ -285,14 +338,14 @@ uint8_t* ArrayDataUnion::WriteFields(uint8_t* target,
                                      internal::EpsCopyOutputStream* stream) const {
   const uint32_t member = content_.case_number;
   if (member != CONTENT_NOT_SET && member < kDataorderFieldNumber) {
-    target = wire::WriteMessageMember<ArrayMembers>(content_, target, stream);
+    target = ApplyToMember(content_, wire::WriteMember{target, stream});
   }
   if (!dataorder().empty()) {
     target = stream->WriteBytesMaybeAliased(kDataorderFieldNumber, dataorder(), target);
   }
   target = WriteShape(dimensions_, dimensions_cached_byte_size_.Get(), target, stream);
   if (member > kDimensionsFieldNumber) {
-    target = wire::WriteMessageMember<ArrayMembers>(content_, target, stream);
+    target = ApplyToMember(content_, wire::WriteMember{target, stream});
   }
   return target;
 }
@@ -301,7 +354,8 @@ void ArrayDataUnion::MergeFields(const ArrayDataUnion& from) {
   wire::Packed<uint32_t>::Append(&dimensions_, from.dimensions_);
   if (!from.dataorder().empty()) dataorder_.Set(from.dataorder(), nullptr);
   if (from.content_case() != CONTENT_NOT_SET) {
-    wire::MergeMessageMember<ArrayMembers>(&content_, from.content_);
+    wire::MergeMessageMember(&content_, from.content_,
+                             *kArrayMembers[from.content_.case_number].prototype);
   }
 }
 
@@ -324,14 +378,21 @@ template class internal::MessageFrame<KVariant>;
 
 namespace {
 
-// The classes of the two members (see oneof_members.h).
-struct DataMembers {
-  template <typename Visit>
-  auto operator()(uint32_t number, Visit visit) const {
-    if (number == KVariant::kScalarData) return visit(number, wire::Class<ScalarDataUnion>());
-    return visit(number, wire::Class<ArrayDataUnion>());
+const protobuf::Message& DataPrototype(uint32_t number) {
+  if (number == KVariant::kScalarData) return _ScalarDataUnion_default_instance_.instance;
+  return _ArrayDataUnion_default_instance_.instance;
+}
+
+// Applies `action` (wire::SizeMember, wire::WriteMember) to the set member as
+// its own class.
+template <typename OneofT, typename Action>
+auto ApplyToData(const OneofT& data, Action action) {
+  const uint32_t number = data.case_number;
+  if (number == KVariant::kScalarData) {
+    return action(number, wire::MessageMember<ScalarDataUnion>(data));
   }
-};
+  return action(number, wire::MessageMember<ArrayDataUnion>(data));
+}
 
 }  // namespace
 
@@ -346,8 +407,9 @@ internal::FieldRead KVariant::ReadField(uint32_t tag, const char* ptr,
                                         internal::ParseContext* ctx) {
   switch (tag) {
     case wire::LengthDelimitedTag(kScalarData):
+      return wire::ReadMessageMember<ScalarDataUnion>(&data_, kScalarData, ptr, ctx);
     case wire::LengthDelimitedTag(kArrayData):
-      return wire::ReadMessageMember<DataMembers>(&data_, tag >> 3, ptr, ctx);
+      return wire::ReadMessageMember<ArrayDataUnion>(&data_, kArrayData, ptr, ctx);
     case wire::LengthDelimitedTag(kWellknowntypeFieldNumber):
       return wire::ReadBytes(wellknowntype_.Mutable(nullptr), ptr, ctx);
   }
@@ -356,7 +418,7 @@ internal::FieldRead KVariant::ReadField(uint32_t tag, const char* ptr,
 
 size_t KVariant::FieldsByteSize() const {
   size_t size = 0;
-  if (data_case() != DATA_NOT_SET) size += wire::MessageMemberSize<DataMembers>(data_);
+  if (data_case() != DATA_NOT_SET) size += ApplyToData(data_, wire::SizeMember{});
   if (!wellknowntype().empty()) {
     size += wire::BytesFieldSize(kWellknowntypeFieldNumber, wellknowntype());
   }
@@ -364,9 +426,7 @@ size_t KVariant::FieldsByteSize() const {
 }
 
 uint8_t* KVariant::WriteFields(uint8_t* target, internal::EpsCopyOutputStream* stream) const {
-  if (data_case() != DATA_NOT_SET) {
-    target = wire::WriteMessageMember<DataMembers>(data_, target, stream);
-  }
+  if (data_case() != DATA_NOT_SET) target = ApplyToData(data_, wire::WriteMember{target, stream});
   if (!wellknowntype().empty()) {
     target = stream->WriteBytesMaybeAliased(kWellknowntypeFieldNumber, wellknowntype(), target);
   }
@@ -377,7 +437,7 @@ uint8_t* KVariant::WriteFields(uint8_t* target, internal::EpsCopyOutputStream* s
 void KVariant::MergeFields(const KVariant& from) {
   if (!from.wellknowntype().empty()) wellknowntype_.Set(from.wellknowntype(), nullptr);
   if (from.data_case() != DATA_NOT_SET) {
-    wire::MergeMessageMember<DataMembers>(&data_, from.data_);
+    wire::MergeMessageMember(&data_, from.data_, DataPrototype(from.data_.case_number));
   }
 }
 
