@@ -455,16 +455,6 @@ struct Oneof {
     case_number = 0;
     return static_cast<T*>(std::exchange(slot.message, nullptr));
   }
-  // The same, for code that handles the members generically: a new member is
-  // made from its prototype.
-  protobuf::Message* MutableMessage(uint32_t number, const protobuf::Message& prototype) {
-    if (!Holds(number)) {
-      Clear();
-      case_number = number;
-      slot.message = prototype.New(nullptr);
-    }
-    return slot.message;
-  }
   void SetAllocatedMessage(uint32_t number, protobuf::Message* value) {
     Clear();
     if (value == nullptr) return;

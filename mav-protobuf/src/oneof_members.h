@@ -45,10 +45,19 @@ struct WriteMember {
   }
 };
 
-// The same member merges field by field; another one is replaced by a copy.
+// Merges a member into the same member of `to`, field by field; another
+// member there is replaced by a copy.
 template <typename OneofT>
-void MergeMessageMember(OneofT* to, const OneofT& from, const protobuf::Message& prototype) {
-  to->MutableMessage(from.case_number, prototype)->MergeFrom(*from.slot.message);
+struct MergeMember {
+  OneofT* to;
+  template <typename M>
+  void operator()(uint32_t number, const M& member) const {
+    to->template MutableMessage<M>(number)->MergeFrom(member);
+  }
+};
+template <typename OneofT>
+MergeMember<OneofT> MergeInto(OneofT* to) {
+  return {to};
 }
 
 }  // namespace wire

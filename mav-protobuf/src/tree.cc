@@ -19,19 +19,8 @@ template class internal::MessageFrame<PropertyNode>;
 
 namespace {
 
-const protobuf::Message& NodePrototype(uint32_t number) {
-  switch (number) {
-    case PropertyNode::kMapType:
-      return _PropertyMap_default_instance_.instance;
-    case PropertyNode::kListType:
-      return _PropertyList_default_instance_.instance;
-    default:
-      return _KVariant_default_instance_.instance;
-  }
-}
-
-// Applies `action` (wire::SizeMember, wire::WriteMember) to the node's set
-// member as its own class.
+// Applies `action` (wire::SizeMember, wire::WriteMember, wire::MergeMember)
+// to the node's set member as its own class.
 template <typename OneofT, typename Action>
 auto ApplyToMember(const OneofT& type, Action action) {
   const uint32_t number = type.case_number;
@@ -105,7 +94,7 @@ uint8_t* PropertyNode::WriteFields(uint8_t* target,
 
 void PropertyNode::MergeFields(const PropertyNode& from) {
   if (from.type_case() == TYPE_NOT_SET) return;
-  wire::MergeMessageMember(&type_, from.type_, NodePrototype(from.type_.case_number));
+  ApplyToMember(from.type_, wire::MergeInto(&type_));
 }
 
 void PropertyNode::ClearFields() { type_.Clear(); }

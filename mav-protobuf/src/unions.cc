@@ -15,17 +15,6 @@ template class internal::MessageFrame<ScalarDataUnion>;
 
 namespace {
 
-const protobuf::Message& ScalarMessagePrototype(uint32_t number) {
-  switch (number) {
-    case ScalarDataUnion::kComplexFloatContent:
-      return _ComplexFloat_default_instance_.instance;
-    case ScalarDataUnion::kComplexDoubleContent:
-      return _ComplexDouble_default_instance_.instance;
-    default:
-      return _ChronoData_default_instance_.instance;
-  }
-}
-
 // A scalar member read from the wire replaces whatever member was set; if the
 // value cannot be read the oneof is left empty.
 template <typename OneofT, typename T>
@@ -38,8 +27,8 @@ const char* ReadScalarMember(OneofT* oneof, uint32_t number, T internal::OneofSl
   return ptr;
 }
 
-// Applies `action` (wire::SizeMember, wire::WriteMember) to the set message
-// member as its own class.
+// Applies `action` (wire::SizeMember, wire::WriteMember, wire::MergeMember)
+// to the set message member as its own class.
 template <typename OneofT, typename Action>
 auto ApplyToMessageMember(const OneofT& content, Action action) {
   const uint32_t number = content.case_number;
@@ -167,7 +156,7 @@ void ScalarDataUnion::MergeFields(const ScalarDataUnion& from) {
     case kComplexDoubleContent:
     case kDurationContent:
     case kTimePointContent:
-      wire::MergeMessageMember(&content_, from.content_, ScalarMessagePrototype(member));
+      ApplyToMessageMember(from.content_, wire::MergeInto(&content_));
       return;
     default:  // a number: its bits are copied as they are
       content_.Select(member);
@@ -188,45 +177,42 @@ namespace {
 
 using internal::ArrayContent;
 
-// What the union needs of each message member: its prototype, for merging,
-// and a reader that makes and parses the member's own class.
-struct ArrayMember {
-  const protobuf::Message* prototype;
-  const char* (*read)(ArrayContent* content, uint32_t number, const char* ptr,
-                      internal::ParseContext* ctx);
-};
+// The reader of each message member: it makes and parses the member's own
+// class.
+using MemberReader = const char* (*)(ArrayContent* content, uint32_t number, const char* ptr,
+                                     internal::ParseContext* ctx);
 
 template <typename T>
-constexpr ArrayMember MemberOf(const T& prototype) {
-  return {&prototype, &wire::ReadMessageMember<T, ArrayContent>};
+constexpr MemberReader ReaderOf() {
+  return &wire::ReadMessageMember<T, ArrayContent>;
 }
 
-const ArrayMember kArrayMembers[] = {
-    {},
-    MemberOf(_ArrayString_default_instance_.instance),
-    MemberOf(_ArrayFloat_default_instance_.instance),
-    MemberOf(_ArrayDouble_default_instance_.instance),
-    MemberOf(_ArrayInt8_default_instance_.instance),
-    MemberOf(_ArrayInt16_default_instance_.instance),
-    MemberOf(_ArrayInt32_default_instance_.instance),
-    MemberOf(_ArrayInt64_default_instance_.instance),
-    MemberOf(_ArrayUnsignedInt8_default_instance_.instance),
-    MemberOf(_ArrayUnsignedInt16_default_instance_.instance),
-    MemberOf(_ArrayUnsignedInt32_default_instance_.instance),
-    MemberOf(_ArrayUnsignedInt64_default_instance_.instance),
-    MemberOf(_ArrayBool_default_instance_.instance),
-    MemberOf(_ArrayFloat_default_instance_.instance),   // complexFloat_content
-    MemberOf(_ArrayDouble_default_instance_.instance),  // complexDouble_content
-    {},                                                 // dataorder
-    {},                                                 // dimensions
-    MemberOf(_ArrayChronoData_default_instance_.instance),  // duration_content
-    MemberOf(_ArrayChronoData_default_instance_.instance),  // timePoint_content
+const MemberReader kArrayMemberReaders[] = {
+    nullptr,
+    ReaderOf<ArrayString>(),
+    ReaderOf<ArrayFloat>(),
+    ReaderOf<ArrayDouble>(),
+    ReaderOf<ArrayInt8>(),
+    ReaderOf<ArrayInt16>(),
+    ReaderOf<ArrayInt32>(),
+    ReaderOf<ArrayInt64>(),
+    ReaderOf<ArrayUnsignedInt8>(),
+    ReaderOf<ArrayUnsignedInt16>(),
+    ReaderOf<ArrayUnsignedInt32>(),
+    ReaderOf<ArrayUnsignedInt64>(),
+    ReaderOf<ArrayBool>(),
+    ReaderOf<ArrayFloat>(),       // complexFloat_content
+    ReaderOf<ArrayDouble>(),      // complexDouble_content
+    nullptr,                      // dataorder
+    nullptr,                      // dimensions
+    ReaderOf<ArrayChronoData>(),  // duration_content
+    ReaderOf<ArrayChronoData>(),  // timePoint_content
 };
 
 constexpr uint32_t kLastArrayMember = ArrayDataUnion::kTimePointContent;
 
-// Applies `action` (wire::SizeMember, wire::WriteMember) to the set member as
-// its own class.
+// Applies `action` (wire::SizeMember, wire::WriteMember, wire::MergeMember)
+// to the set member as its own class.
 template <typename OneofT, typename Action>
 auto ApplyToMember(const OneofT& content, Action action) {
   const uint32_t number = content.case_number;
@@ -319,10 +305,10 @@ internal::FieldRead ArrayDataUnion::ReadField(uint32_t tag, const char* ptr,
   }
   const uint32_t number = tag >> 3;
   if (WireFormatLite::GetTagWireType(tag) != WireFormatLite::WIRETYPE_LENGTH_DELIMITED || number > kLastArrayMember ||
-      kArrayMembers[number].read == nullptr) {
+      kArrayMemberReaders[number] == nullptr) {
     return std::nullopt;
   }
-  return kArrayMembers[number].read(&content_, number, ptr, ctx);
+  return kArrayMemberReaders[number](&content_, number, ptr, ctx);
 }
 
 size_t ArrayDataUnion::FieldsByteSize() const {
@@ -354,8 +340,7 @@ void ArrayDataUnion::MergeFields(const ArrayDataUnion& from) {
   wire::Packed<uint32_t>::Append(&dimensions_, from.dimensions_);
   if (!from.dataorder().empty()) dataorder_.Set(from.dataorder(), nullptr);
   if (from.content_case() != CONTENT_NOT_SET) {
-    wire::MergeMessageMember(&content_, from.content_,
-                             *kArrayMembers[from.content_.case_number].prototype);
+    ApplyToMember(from.content_, wire::MergeInto(&content_));
   }
 }
 
@@ -378,13 +363,8 @@ template class internal::MessageFrame<KVariant>;
 
 namespace {
 
-const protobuf::Message& DataPrototype(uint32_t number) {
-  if (number == KVariant::kScalarData) return _ScalarDataUnion_default_instance_.instance;
-  return _ArrayDataUnion_default_instance_.instance;
-}
-
-// Applies `action` (wire::SizeMember, wire::WriteMember) to the set member as
-// its own class.
+// Applies `action` (wire::SizeMember, wire::WriteMember, wire::MergeMember)
+// to the set member as its own class.
 template <typename OneofT, typename Action>
 auto ApplyToData(const OneofT& data, Action action) {
   const uint32_t number = data.case_number;
@@ -437,7 +417,7 @@ uint8_t* KVariant::WriteFields(uint8_t* target, internal::EpsCopyOutputStream* s
 void KVariant::MergeFields(const KVariant& from) {
   if (!from.wellknowntype().empty()) wellknowntype_.Set(from.wellknowntype(), nullptr);
   if (from.data_case() != DATA_NOT_SET) {
-    wire::MergeMessageMember(&data_, from.data_, DataPrototype(from.data_.case_number));
+    ApplyToData(from.data_, wire::MergeInto(&data_));
   }
 }
 
