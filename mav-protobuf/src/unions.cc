@@ -274,10 +274,9 @@ uint8_t* WriteShape(const Shape& dimensions, int cached_payload, uint8_t* target
   }
   if (dimensions.empty()) return target;
   uint8_t field[2 + (1 + kFewAxes) * varint::kMaxSize];  // tag, length, extents
-  uint8_t* end = WireFormatLite::WriteTagToArray(
-      ArrayDataUnion::kDimensionsFieldNumber, WireFormatLite::WIRETYPE_LENGTH_DELIMITED, field);
-  end = wire::CodedOutputStream::WriteVarint32ToArray(static_cast<uint32_t>(cached_payload), end);
-  for (uint32_t extent : dimensions) end = wire::CodedOutputStream::WriteVarint32ToArray(extent, end);
+  uint8_t* end = wire::WriteLengthDelimitedTag(ArrayDataUnion::kDimensionsFieldNumber, field);
+  end = wire::WriteVarint32(static_cast<uint32_t>(cached_payload), end);
+  for (uint32_t extent : dimensions) end = wire::WriteVarint32(extent, end);
   return stream->WriteRaw(field, static_cast<int>(end - field), target);
 }
 
