@@ -5,7 +5,7 @@ run() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
 packages=(cmake g++ make pkg-config dpkg-dev file
           libprotobuf-dev protobuf-compiler libprotoc-dev
           libgtest-dev libgmock-dev libbenchmark-dev
-          libsimdjson-dev libcli11-dev
+          libsimdjson-dev libcli11-dev libmimalloc-dev
           clang-14 libclang-rt-14-dev python3)
 missing=()
 for package in "${packages[@]}"; do

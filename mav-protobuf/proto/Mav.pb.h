@@ -158,6 +158,10 @@ void AddPacked(protobuf::RepeatedField<T>* values, T value) {
   values->AddAlreadyReserved(value);
 }
 
+// Memory for message objects on the heap; see MessageFrame's operator new.
+MAV_PROTOBUF_EXPORT void* AllocateMessage(size_t size);
+MAV_PROTOBUF_EXPORT void FreeMessage(void* message) noexcept;
+
 // The frame every message class shares: registration and reflection, the
 // unknown-field store, the cached size, and the copy, merge, swap, parse and
 // serialize protocol. Objects never belong to an arena: New(arena) with a
@@ -178,6 +182,13 @@ class MAV_PROTOBUF_EXPORT MessageFrame : public protobuf::Message {
   static const Derived& default_instance() {
     return *Derived::internal_default_instance();
   }
+
+  // A tree is many small objects, and the system's malloc takes longer over
+  // them than the parse itself, so the library allocates its own (arena
+  // placement is unchanged).
+  static void* operator new(size_t size) { return AllocateMessage(size); }
+  static void* operator new(size_t, void* place) noexcept { return place; }
+  static void operator delete(void* message) noexcept { FreeMessage(message); }
 
   using protobuf::Message::CopyFrom;
   void CopyFrom(const Derived& from);
