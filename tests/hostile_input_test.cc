@@ -33,6 +33,11 @@ void* Allocate(size_t size) {
   return std::malloc(size == 0 ? 1 : size);
 }
 
+// Message objects must come from the counted allocator too. The library picks
+// its allocator when it makes its first message, which is after this runs.
+[[maybe_unused]] const bool kMessagesOnGlobalAllocator =
+    setenv("MAV_PROTOBUF_MESSAGE_ALLOCATOR", "system", 1) == 0;
+
 // Out of line, so the compiler does not pair the replaced operator new with a
 // bare free() and warn about the mismatch.
 [[gnu::noinline]] void Free(void* memory) { std::free(memory); }
@@ -98,6 +103,12 @@ class HostileParse {
  private:
   double peak_ratio_ = 0;
 };
+
+TEST(HostileInput, MessageObjectsAreCounted) {
+  g_allocated = 0;
+  const std::unique_ptr<PropertyNode> node(new PropertyNode);
+  EXPECT_GE(g_allocated, sizeof(PropertyNode));
+}
 
 // A varint of exactly `length` bytes (padded with continuation bytes).
 std::string Varint(uint64_t value, int length) {
