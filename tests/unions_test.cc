@@ -70,6 +70,27 @@ TEST(ScalarDataUnion, AccessorsSwitchMembers) {
   EXPECT_EQ(u.release_complexfloat_content(), nullptr);
 }
 
+// Members made by every form of new are adopted and freed by the union and by
+// the runtime's reflection alike; an arena's member stays the arena's.
+TEST(ScalarDataUnion, MembersFromEveryFormOfNewAreFreedWhereTheyWereMade) {
+  U u;
+  u.set_allocated_duration_content(new (std::nothrow) ChronoData);
+  u.set_int32_content(1);
+  const auto* reflection = u.GetReflection();
+  const auto* field = U::descriptor()->FindFieldByName("complexFloat_content");
+  reflection->SetAllocatedMessage(&u, new ComplexFloat, field);
+  reflection->ClearOneof(&u, field->containing_oneof());
+  reflection->SetAllocatedMessage(&u, new (std::nothrow) ComplexFloat, field);
+  std::unique_ptr<google::protobuf::Message> released(reflection->ReleaseMessage(&u, field));
+  EXPECT_EQ(released->GetDescriptor(), ComplexFloat::descriptor());
+  EXPECT_EQ(u.content_case(), U::CONTENT_NOT_SET);
+
+  google::protobuf::Arena arena;
+  auto* in_arena = ChronoData::default_instance().New(&arena);
+  in_arena->set_seconds_content(5);
+  EXPECT_EQ(in_arena->seconds_content(), 5);
+}
+
 TEST(ScalarDataUnion, ParseReplacesScalarsMergesMessagesAndKeepsStrangers) {
   U u;  // float 1, then int8 5; then "ab" replaced by "c"
   ASSERT_TRUE(ParseInto(&u, Bytes({21, 0, 0, 0x80, 0x3F, 32, 5})));

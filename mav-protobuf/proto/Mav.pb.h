@@ -32,6 +32,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <initializer_list>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -159,7 +160,10 @@ void AddPacked(protobuf::RepeatedField<T>* values, T value) {
 }
 
 // Memory for message objects on the heap; see MessageFrame's operator new.
+// AllocateMessage throws std::bad_alloc on failure, TryAllocateMessage returns
+// null.
 MAV_PROTOBUF_EXPORT void* AllocateMessage(size_t size);
+MAV_PROTOBUF_EXPORT void* TryAllocateMessage(size_t size) noexcept;
 MAV_PROTOBUF_EXPORT void FreeMessage(void* message) noexcept;
 
 // The frame every message class shares: registration and reflection, the
@@ -185,10 +189,18 @@ class MAV_PROTOBUF_EXPORT MessageFrame : public protobuf::Message {
 
   // A tree is many small objects, and the system's malloc takes longer over
   // them than the parse itself, so the library allocates its own (arena
-  // placement is unchanged).
+  // placement is unchanged). Every form of new is declared, as a class's own
+  // operator new hides the global ones.
   static void* operator new(size_t size) { return AllocateMessage(size); }
+  static void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    return TryAllocateMessage(size);
+  }
   static void* operator new(size_t, void* place) noexcept { return place; }
   static void operator delete(void* message) noexcept { FreeMessage(message); }
+  static void operator delete(void* message, const std::nothrow_t&) noexcept {
+    FreeMessage(message);
+  }
+  static void operator delete(void*, void*) noexcept {}
 
   using protobuf::Message::CopyFrom;
   void CopyFrom(const Derived& from);

@@ -43,6 +43,10 @@ void* AllocateMessage(size_t size) {
   return MessagesUseGlobalAllocator() ? ::operator new(size) : mi_new(size);
 }
 
+void* TryAllocateMessage(size_t size) noexcept {
+  return MessagesUseGlobalAllocator() ? ::operator new(size, std::nothrow) : mi_malloc(size);
+}
+
 void FreeMessage(void* message) noexcept {
   if (MessagesUseGlobalAllocator()) {
     ::operator delete(message);
@@ -54,6 +58,8 @@ void FreeMessage(void* message) noexcept {
 #else
 
 void* AllocateMessage(size_t size) { return ::operator new(size); }
+
+void* TryAllocateMessage(size_t size) noexcept { return ::operator new(size, std::nothrow); }
 
 void FreeMessage(void* message) noexcept { ::operator delete(message); }
 
