@@ -1,7 +1,7 @@
 // Parses any input as one of the 23 types. When the parse succeeds, the
 // message must hold its contract: its size is its output's length, writing
 // and reading again reaches a fixed point at once, copies, merges and swaps
-// keep it equal, and text and JSON bring it back.
+// keep it equal, it can measure itself, and text and JSON bring it back.
 
 #include <google/protobuf/text_format.h>
 #include <google/protobuf/util/json_util.h>
@@ -37,6 +37,9 @@ void CheckCopyMergeSwap(const pb::Message& message, const Input& input) {
   std::unique_ptr<pb::Message> copy(message.New());
   copy->CopyFrom(message);
   MAV_FUZZ_CHECK(Deterministic(*copy) == bytes, input);
+  MAV_FUZZ_CHECK(Same(*copy, message), input);
+  MAV_FUZZ_CHECK(message.SpaceUsedLong() >= sizeof(pb::Message), input);
+  MAV_FUZZ_CHECK(message.GetReflection()->SpaceUsedLong(message) >= sizeof(pb::Message), input);
   std::unique_ptr<pb::Message> merged(message.New());
   merged->MergeFrom(message);
   MAV_FUZZ_CHECK(Deterministic(*merged) == bytes, input);

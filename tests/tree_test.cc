@@ -4,6 +4,9 @@
 
 #include <google/protobuf/dynamic_message.h>
 #include <google/protobuf/stubs/logging.h>
+#include <google/protobuf/text_format.h>
+#include <google/protobuf/util/json_util.h>
+#include <google/protobuf/util/message_differencer.h>
 
 #include <memory>
 #include <set>
@@ -116,6 +119,40 @@ TEST(PropertyMap, ParseKeepsTheLastValueAndFillsMissingParts) {
   EXPECT_EQ(map.map_data().count(""), 1u);
   EXPECT_EQ(map.map_data().at("v").type_case(), PropertyNode::TYPE_NOT_SET);
   EXPECT_EQ(map.map_data().at("z").type_case(), PropertyNode::kListType);
+}
+
+// An entry read on its own may hold no value at all; everything the runtime
+// does with a message must still work on it, and treat it as "empty node".
+TEST(PropertyMap, EntryWithoutAValueWorksEverywhere) {
+  using Entry = PropertyMap_MapDataEntry_DoNotUse;
+  for (const std::string& bytes : {std::string(), Bytes({10, 1, 'k'})}) {
+    SCOPED_TRACE(Hex(bytes));
+    Entry entry;
+    ASSERT_TRUE(entry.ParseFromString(bytes));
+    EXPECT_GE(entry.SpaceUsedLong(), sizeof(Entry));
+    EXPECT_GE(entry.GetReflection()->SpaceUsedLong(entry), sizeof(Entry));
+
+    Entry copy, merged, swapped, source;
+    copy.CopyFrom(entry);
+    merged.MergeFrom(entry);
+    source.CopyFrom(entry);
+    swapped.GetReflection()->Swap(&swapped, &source);
+    for (const Entry* other : {&copy, &merged, &swapped}) {
+      EXPECT_TRUE(pb::util::MessageDifferencer::Equivalent(*other, entry));
+    }
+    EXPECT_EQ(entry.key(), bytes.empty() ? "" : "k");
+    EXPECT_EQ(entry.value().type_case(), PropertyNode::TYPE_NOT_SET);
+
+    std::string text, json;
+    ASSERT_TRUE(pb::TextFormat::PrintToString(entry, &text));
+    Entry from_text, from_json;
+    ASSERT_TRUE(pb::TextFormat::ParseFromString(text, &from_text));
+    EXPECT_EQ(from_text.key(), entry.key());
+    ASSERT_TRUE(pb::util::MessageToJsonString(entry, &json).ok());
+    ASSERT_TRUE(pb::util::JsonStringToMessage(json, &from_json).ok()) << json;
+    EXPECT_EQ(from_json.key(), entry.key());
+    EXPECT_EQ(entry.DebugString(), text);
+  }
 }
 
 // Maps are sized and written a batch of entries at a time: every entry must

@@ -1470,6 +1470,14 @@ class MAV_PROTOBUF_EXPORT PropertyMap_MapDataEntry_DoNotUse final
            ValueTypeHandler::GetCachedSize(value());
   }
 
+  // An entry read without a value holds none; the runtime's entry measures
+  // its value without asking.
+  size_t SpaceUsedLong() const final {
+    size_t size = sizeof(*this) + KeyTypeHandler::SpaceUsedInMapEntryLong(key_);
+    if (value_ != nullptr) size += value_->SpaceUsedLong();
+    return size;
+  }
+
   protobuf::Metadata GetMetadata() const final;
 
  private:
