@@ -1,7 +1,12 @@
-// Parses the same bytes in one piece and through a stream that hands them
-// over in blocks of 1 to 7 bytes: the two must agree on success and, when
-// both succeed, on every byte of the result; a stream parse that succeeds
-// must leave the stream at its end.
+// Parses the same bytes in one piece and through streams that hand them over
+// in blocks of 1 to 8 bytes, by each of the runtime's stream entry points: a
+// CodedInputStream, a zero-copy stream, and a zero-copy stream read with its
+// length. A stream parse that succeeds must have taken the whole input, and,
+// unless an unpacked element runs on under the packed tag (which a stream may
+// read differently near block ends), must agree with the flat parse on
+// success and on every byte of the result. Whatever the input, no stream
+// parse may stop the process where the runtime's DynamicMessage, given the
+// same stream, does not.
 
 #include <memory>
 
@@ -10,30 +15,32 @@
 using namespace mav_fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static Generic generic;
+  static pb::LogSilencer quiet;  // the runtime logs its failed checks before throwing
   Input input;
   if (!Split(data, size, &input)) return 0;
-  const int block = 1 + static_cast<int>(data[0] / MessageTypes().size()) % 7;
-  // Where an unpacked element runs on under the packed tag, a stream parse
-  // reads the packed run plainly near block ends, so only the stream's own
-  // promises are checked: success means the whole stream was taken.
   Deliberate deliberate;
   deliberate.Scan(input.type, input.bytes, IsMapEntry(input.type));
 
   std::unique_ptr<pb::Message> whole(NewOurs(input.type));
   const bool whole_ok = whole->ParseFromString(input.bytes);
+  const std::string whole_bytes = whole_ok ? Deterministic(*whole) : std::string();
 
-  std::unique_ptr<pb::Message> chunked(NewOurs(input.type));
-  pb::io::ArrayInputStream blocks(input.bytes.data(), static_cast<int>(input.bytes.size()),
-                                  block);
-  bool chunked_ok;
-  {
-    pb::io::CodedInputStream coded(&blocks);
-    chunked_ok = chunked->ParseFromCodedStream(&coded) && coded.ConsumedEntireMessage();
+  for (int block = 1; block <= 8; ++block) {
+    for (StreamEntry entry : kStreamEntries) {
+      std::unique_ptr<pb::Message> chunked(NewOurs(input.type));
+      const StreamOutcome ours = ParseInBlocks(chunked.get(), input.bytes, block, entry);
+      if (ours.runtime_check_failed) {
+        std::unique_ptr<pb::Message> theirs(generic.New(input.type));
+        MAV_FUZZ_CHECK(ParseInBlocks(theirs.get(), input.bytes, block, entry).runtime_check_failed,
+                       input);
+        continue;
+      }
+      if (ours.ok) MAV_FUZZ_CHECK(ours.took_all, input);
+      if (deliberate.continuation) continue;
+      MAV_FUZZ_CHECK(ours.ok == whole_ok, input);
+      if (whole_ok) MAV_FUZZ_CHECK(Deterministic(*chunked) == whole_bytes, input);
+    }
   }
-  const auto input_size = static_cast<int64_t>(input.bytes.size());
-  if (chunked_ok) MAV_FUZZ_CHECK(blocks.ByteCount() == input_size, input);
-  if (deliberate.continuation) return 0;
-  MAV_FUZZ_CHECK(chunked_ok == whole_ok, input);
-  if (whole_ok) MAV_FUZZ_CHECK(Deterministic(*chunked) == Deterministic(*whole), input);
   return 0;
 }

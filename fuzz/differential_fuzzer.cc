@@ -9,8 +9,6 @@
 // message holds its map as the entries it read. Any other disagreement is a
 // finding.
 
-#include <google/protobuf/descriptor.pb.h>
-#include <google/protobuf/dynamic_message.h>
 #include <google/protobuf/stubs/logging.h>
 
 #include <atomic>
@@ -25,23 +23,6 @@
 namespace {
 
 using namespace mav_fuzz;
-
-// The runtime's side: the schema copied into a pool the library never sees.
-class Generic {
- public:
-  Generic() {
-    pb::FileDescriptorProto file;
-    Tarnwick::MavProtobuf::KVariant::descriptor()->file()->CopyTo(&file);
-    pool_.BuildFile(file);
-  }
-  pb::Message* New(const pb::Descriptor* ours) {
-    return factory_.GetPrototype(pool_.FindMessageTypeByName(ours->full_name()))->New();
-  }
-
- private:
-  pb::DescriptorPool pool_;
-  pb::DynamicMessageFactory factory_{&pool_};
-};
 
 struct Tally {
   std::atomic<long> inputs{0}, agreed{0}, negative_zero{0}, continuation{0}, non_utf8_key{0},

@@ -5,10 +5,13 @@
 #define MAV_PROTOBUF_FUZZ_FUZZ_SUPPORT_H_
 
 #include <google/protobuf/descriptor.h>
+#include <google/protobuf/descriptor.pb.h>
+#include <google/protobuf/dynamic_message.h>
 #include <google/protobuf/io/coded_stream.h>
 #include <google/protobuf/io/zero_copy_stream_impl_lite.h>
 #include <google/protobuf/message.h>
 #include <google/protobuf/stubs/common.h>
+#include <google/protobuf/stubs/logging.h>
 #include <google/protobuf/util/field_comparator.h>
 #include <google/protobuf/util/message_differencer.h>
 #include <google/protobuf/wire_format_lite.h>
@@ -63,6 +66,66 @@ inline bool IsMapEntry(const pb::Descriptor* type) { return type == MessageTypes
 
 inline pb::Message* NewOurs(const pb::Descriptor* type) {
   return pb::MessageFactory::generated_factory()->GetPrototype(type)->New();
+}
+
+// The runtime's side: the schema copied into a pool the library never sees.
+class Generic {
+ public:
+  Generic() {
+    pb::FileDescriptorProto file;
+    Tarnwick::MavProtobuf::KVariant::descriptor()->file()->CopyTo(&file);
+    pool_.BuildFile(file);
+  }
+  pb::Message* New(const pb::Descriptor* ours) {
+    return factory_.GetPrototype(pool_.FindMessageTypeByName(ours->full_name()))->New();
+  }
+
+ private:
+  pb::DescriptorPool pool_;
+  pb::DynamicMessageFactory factory_{&pool_};
+};
+
+// The runtime's ways of parsing from a stream: through a CodedInputStream,
+// a zero-copy stream, and a zero-copy stream with its length.
+enum class StreamEntry { kCoded, kZeroCopy, kBounded };
+constexpr StreamEntry kStreamEntries[] = {StreamEntry::kCoded, StreamEntry::kZeroCopy,
+                                          StreamEntry::kBounded};
+
+// The outcome of one stream parse: whether it succeeded, whether the runtime
+// stopped it by a failed check of its own stream bookkeeping, and whether the
+// stream was left at its end.
+struct StreamOutcome {
+  bool ok = false;
+  bool runtime_check_failed = false;
+  bool took_all = false;
+};
+
+// Parses `bytes` into `message` from a stream that hands them over `block`
+// bytes at a time.
+inline StreamOutcome ParseInBlocks(pb::Message* message, const std::string& bytes, int block,
+                                   StreamEntry entry) {
+  const int size = static_cast<int>(bytes.size());
+  pb::io::ArrayInputStream blocks(bytes.data(), size, block);
+  StreamOutcome outcome;
+  try {
+    switch (entry) {
+      case StreamEntry::kCoded: {
+        pb::io::CodedInputStream coded(&blocks);
+        outcome.ok = message->ParseFromCodedStream(&coded) && coded.ConsumedEntireMessage();
+        break;
+      }
+      case StreamEntry::kZeroCopy:
+        outcome.ok = message->ParseFromZeroCopyStream(&blocks);
+        break;
+      case StreamEntry::kBounded:
+        outcome.ok = message->ParseFromBoundedZeroCopyStream(&blocks, size);
+        break;
+    }
+  } catch (const pb::FatalException&) {
+    outcome.runtime_check_failed = true;
+  }
+  outcome.took_all = blocks.ByteCount() == size;
+  return outcome;
 }
 
 [[noreturn]] inline void Finding(const char* what, const pb::Descriptor* type,

@@ -40,20 +40,20 @@ TEST(PackedArrays, BothFormsAreReadAndAppend) {
 TEST(PackedArrays, UnpackedElementContinuesWithThePackedTag) {
   const std::string input = Bytes({0x08, 0x05, 0x0A, 0x02, 0x01, 0x02});
   ArrayInt16 i16;
-  EXPECT_FALSE(ParseInto(&i16, input));
+  EXPECT_FALSE(i16.ParseFromString(input));
   ASSERT_EQ(i16.int16_content_size(), 2);
   EXPECT_EQ(i16.int16_content(1), 2);
 
   // Fixed-width elements continue only while a whole element follows.
   ArrayFloat f;
-  ASSERT_TRUE(ParseInto(&f, Bytes({0x0D, 0x00, 0x00, 0x80, 0x3F, 0x0A, 0x00, 0x00, 0x00, 0x40})));
+  ASSERT_TRUE(f.ParseFromString(Bytes({0x0D, 0x00, 0x00, 0x80, 0x3F, 0x0A, 0x00, 0x00, 0x00, 0x40})));
   EXPECT_EQ(Hex(WireOf(f)), "0A 08 00 00 80 3F 00 00 00 40");
   ArrayFloat short_tail;
-  EXPECT_TRUE(ParseInto(&short_tail, Bytes({0x0D, 0x00, 0x00, 0x80, 0x3F, 0x0A, 0x00})));
+  EXPECT_TRUE(short_tail.ParseFromString(Bytes({0x0D, 0x00, 0x00, 0x80, 0x3F, 0x0A, 0x00})));
   EXPECT_EQ(short_tail.float_content_size(), 1);
   // A continuation tag at the very end has no element behind it.
   ArrayInt16 cut;
-  EXPECT_FALSE(ParseInto(&cut, Bytes({0x08, 0x05, 0x0A})));
+  EXPECT_FALSE(cut.ParseFromString(Bytes({0x08, 0x05, 0x0A})));
   EXPECT_EQ(cut.int16_content_size(), 1);
 }
 

@@ -66,7 +66,7 @@ TYPED_TEST(PackedArrayFamily, UnpackedElementThenPackedRunReadsTheLengthAsAnElem
   std::string input = Element<T>(5, true) + "\x0A" + Element<T>(2, false) + Bytes({0x01, 0x02});
   if constexpr (std::is_floating_point_v<T>) input += std::string(sizeof(T), '\0');
   TypeParam array;
-  EXPECT_FALSE(ParseInto(&array, input)) << Hex(input);
+  EXPECT_FALSE(array.ParseFromString(input)) << Hex(input);
   ASSERT_EQ(Elements(&array)->size(), 2);
   EXPECT_EQ(Elements(&array)->Get(0), T(5));
   EXPECT_EQ(Elements(&array)->Get(1), T(2));

@@ -87,8 +87,11 @@ template <typename Message>
 bool ParseInto(Message* message, const std::string& bytes) {
   google::protobuf::io::ArrayInputStream in(bytes.data(), static_cast<int>(bytes.size()), 1);
   Message chunked(*message);
-  const bool chunked_ok =
-      chunked.MergeFromBoundedZeroCopyStream(&in, static_cast<int>(bytes.size()));
+  bool chunked_ok;
+  {
+    google::protobuf::io::CodedInputStream coded(&in);
+    chunked_ok = chunked.MergeFromCodedStream(&coded) && coded.ConsumedEntireMessage();
+  }
   const bool ok = message->MergeFromString(bytes);
   EXPECT_EQ(chunked_ok, ok) << "chunked parse of " << Hex(bytes);
   if (ok && chunked_ok) {

@@ -155,7 +155,7 @@ TEST(ArrayDataUnion, DimensionFormsAndMergeFrom) {
   // spare: a packed run right after an unpacked 5 has its length (2) read as
   // a value, and its first value then reads as field 0.
   dims.Clear();
-  EXPECT_FALSE(ParseInto(&dims, Bytes({0x80, 0x01, 5, 0x82, 0x01, 2, 2, 3})));
+  EXPECT_FALSE(dims.ParseFromString(Bytes({0x80, 0x01, 5, 0x82, 0x01, 2, 2, 3})));
   EXPECT_EQ(Hex(WireOf(dims)), Hex(Bytes({0x82, 0x01, 2, 5, 2})));
 
   ArrayDataUnion target, source;

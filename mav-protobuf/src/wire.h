@@ -135,13 +135,15 @@ inline bool IsBuffered(ParseContext* ctx, const char* ptr, int size) {
 // reads too the two disagree on where fields and zero tags stand: the context
 // then stops short of the stream's end, or reads past a zero tag it can no
 // longer return to. So the continuation runs freely only where no look-ahead
-// happens: in a parse whose whole input is bounded from the start (one flat
-// buffer, or a stream with a known length). Elsewhere it reads only elements
-// that lie wholly in the stream's own memory before the buffer's end, which
-// the look-ahead never reads.
+// happens: in a parse whose whole input is in memory from the start (one flat
+// buffer, or a stream whose first block holds all of its known length). A
+// stream read with its length in several blocks is looked ahead like any
+// other. Elsewhere the continuation reads only elements that lie wholly in the
+// stream's own memory before the buffer's end, which the look-ahead never
+// reads.
 //
-// Whether the current parse is bounded is known when the outermost message
-// starts and is kept for its nested messages while it runs.
+// Whether the current parse has its whole input is known when the outermost
+// message starts and is kept for its nested messages while it runs.
 inline thread_local const ParseContext* bounded_parse = nullptr;
 
 // Whether `ptr` lies in the context's own small buffer, where it copies the
@@ -159,18 +161,29 @@ inline bool IsOwnChunk(ParseContext* ctx, const char* ptr) {
 
 inline bool ReadsBoundedInput(const ParseContext* ctx) { return bounded_parse == ctx; }
 
-// Marks the parse as bounded while the outermost message is read. A context
-// over a stream of unknown length counts its limit down from INT_MAX, less at
-// most the few bytes of a first block it copied into its own buffer; a flat
-// input or a stream read with a known size counts down from that size.
+// Whether the context, at the start of a parse, already holds every byte it
+// will read. A context over a stream of unknown length counts its limit down
+// from INT_MAX, less at most the few bytes of a first block it copied into its
+// own buffer. Otherwise the limit is the input's length, and the input is all
+// there when its last byte lies in the current buffer: short of its final
+// slop bytes for a long input, which the context reads from the same block.
+inline bool HoldsWholeInput(ParseContext* ctx, const char* ptr) {
+  constexpr int kSlop = ParseContext::kSlopBytes;
+  constexpr int kUnknownLength = INT_MAX - 2 * kSlop;
+  const int size = ctx->BytesUntilLimit(ptr);
+  if (size >= kUnknownLength) return false;
+  if (size == 0) return true;
+  return ctx->DataAvailable(ptr + (size > kSlop ? size - kSlop - 1 : size - 1));
+}
+
+// Marks the parse as bounded while the outermost message is read.
 class OutermostParse {
  public:
   OutermostParse(ParseContext* ctx, const char* ptr) {
     if (ctx->depth() != protobuf::io::CodedInputStream::GetDefaultRecursionLimit()) return;
     saved_ = bounded_parse;
     restore_ = true;
-    constexpr int kUnknownLength = INT_MAX - 2 * ParseContext::kSlopBytes;
-    bounded_parse = ctx->BytesUntilLimit(ptr) < kUnknownLength ? ctx : nullptr;
+    bounded_parse = HoldsWholeInput(ctx, ptr) ? ctx : nullptr;
   }
   ~OutermostParse() {
     if (restore_) bounded_parse = saved_;
