@@ -220,6 +220,25 @@ TEST(PropertyMap, NonUtf8KeyFailsTheParseKeepsTheEntryAndOnlyLogsOnWrite) {
   pb::SetLogHandler(previous);
 }
 
+// A tree built in code may be far deeper than the stack allows recursion.
+TEST(PropertyTree, DeepTreesAreFreedAndClearedWithoutDeepRecursion) {
+  constexpr int kLevels = 300000;
+  for (bool clear : {false, true}) {
+    auto root = std::make_unique<PropertyNode>();
+    PropertyNode* node = root.get();
+    for (int level = 0; level < kLevels; ++level) {
+      node = level % 2 == 0 ? node->mutable_list_type()->add_list_data()
+                            : &(*node->mutable_map_type()->mutable_map_data())["k"];
+    }
+    node->mutable_value_type()->set_wellknowntype("leaf");
+    if (clear) {
+      root->Clear();
+      EXPECT_EQ(root->type_case(), PropertyNode::TYPE_NOT_SET);
+    }
+    root.reset();
+  }
+}
+
 TEST(PropertyTree, NestingBeyondTheRecursionLimitFailsToParseButSerializes) {
   for (int levels : {100, 101}) {  // node, list, node, ...: `levels` messages below the root
     SCOPED_TRACE(levels);

@@ -1431,6 +1431,7 @@ class MAV_PROTOBUF_EXPORT PropertyNode final : public internal::MessageFrame<Pro
   void MergeFields(const PropertyNode& from);
   void ClearFields();
   void SwapFields(PropertyNode* other);
+  void FreeMember();
 
   internal::Oneof<internal::Members({1, 2, 3})> type_;
 };

@@ -67,7 +67,44 @@ void PrefetchData(const PropertyNode& node) {
 
 PropertyNode::PropertyNode(const PropertyNode& from) : MessageFrame(from) { MergeFields(from); }
 
-PropertyNode::~PropertyNode() { type_.Clear(); }
+PropertyNode::~PropertyNode() { FreeMember(); }
+
+namespace {
+
+// Freeing a tree by recursion takes stack in proportion to its depth, and a
+// tree built in code can be deeper than any thread's stack. So a node frees
+// its map or list in place only down to a modest depth below the outermost
+// node being freed; deeper members are handed to that node, which frees them
+// one after another, each again down to that depth. Only trees deeper than
+// that allocate (one pointer per member handed over).
+constexpr int kFreeInPlaceDepth = 256;
+thread_local int free_depth = 0;
+thread_local std::vector<protobuf::Message*>* handed_over = nullptr;
+
+}  // namespace
+
+void PropertyNode::FreeMember() {
+  if (!type_.Holds(kMapType) && !type_.Holds(kListType)) return type_.Clear();
+  if (free_depth >= kFreeInPlaceDepth) {
+    handed_over->push_back(type_.slot.message);
+    type_.case_number = 0;
+    return;
+  }
+  const bool outermost = free_depth == 0;
+  std::vector<protobuf::Message*> members;
+  if (outermost) handed_over = &members;
+  ++free_depth;
+  type_.Clear();
+  if (outermost) {
+    while (!members.empty()) {
+      protobuf::Message* member = members.back();
+      members.pop_back();
+      delete member;
+    }
+    handed_over = nullptr;
+  }
+  --free_depth;
+}
 
 internal::FieldRead PropertyNode::ReadField(uint32_t tag, const char* ptr,
                                             internal::ParseContext* ctx) {
@@ -97,7 +134,7 @@ void PropertyNode::MergeFields(const PropertyNode& from) {
   ApplyToMember(from.type_, wire::MergeInto(&type_));
 }
 
-void PropertyNode::ClearFields() { type_.Clear(); }
+void PropertyNode::ClearFields() { FreeMember(); }
 
 void PropertyNode::SwapFields(PropertyNode* other) { type_.Swap(&other->type_); }
 
