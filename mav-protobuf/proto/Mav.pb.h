@@ -1456,9 +1456,10 @@ class MAV_PROTOBUF_EXPORT PropertyMap_MapDataEntry_DoNotUse final
   void MergeFrom(const PropertyMap_MapDataEntry_DoNotUse& other) { MergeFromInternal(other); }
   using protobuf::Message::MergeFrom;
 
-  // The key's UTF-8 check happens in PropertyMap, after the entry is stored,
-  // so that a bad key is reported with its entry kept.
-  static bool ValidateKey(std::string*) { return true; }
+  // Inside a map, the map checks the key after storing the entry, so that a
+  // bad key is reported with its entry kept; an entry parsed on its own checks
+  // its key here, as the runtime's generic entry does.
+  static bool ValidateKey(std::string* key);
   static bool ValidateValue(void*) { return true; }
   // The runtime's entry counts a missing value as a missing required field;
   // in this proto3 schema it stands for an empty node, as it does in the map.

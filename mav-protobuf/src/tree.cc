@@ -284,6 +284,14 @@ PropertyMap::PropertyMap(const PropertyMap& from) : MessageFrame(from) { MergeFi
 
 PropertyMap::~PropertyMap() { map_data_.Destruct(); }
 
+namespace {
+thread_local bool reading_map_entries = false;
+}  // namespace
+
+bool PropertyMap_MapDataEntry_DoNotUse::ValidateKey(std::string* key) {
+  return reading_map_entries || IsValidKey(*key, WireFormatLite::PARSE);
+}
+
 // The entry is stored first, then its key is checked: a key that is not UTF-8
 // fails the parse with its entry kept. A key seen twice keeps the last value.
 internal::FieldRead PropertyMap::ReadField(uint32_t tag, const char* ptr,
@@ -291,7 +299,10 @@ internal::FieldRead PropertyMap::ReadField(uint32_t tag, const char* ptr,
   if (tag != wire::LengthDelimitedTag(kMapDataFieldNumber)) return std::nullopt;
   PropertyMap_MapDataEntry_DoNotUse::Parser<MapDataField, protobuf::Map<std::string, PropertyNode>>
       parser(&map_data_);
+  const bool outer_reading_map_entries = reading_map_entries;
+  reading_map_entries = true;
   ptr = ctx->ParseMessage(&parser, ptr);
+  reading_map_entries = outer_reading_map_entries;
   if (ptr == nullptr) return nullptr;
   return IsValidKey(parser.key(), WireFormatLite::PARSE) ? ptr : nullptr;
 }
