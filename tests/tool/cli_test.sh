@@ -75,6 +75,9 @@ printf '{"n": 1.0}\n\n{"n": {"$int32": 2}}\n' >records.jsonl
 "$mav" encode --delimited records.jsonl -o records.mav || fail "encode --delimited"
 [ "$("$mav" json --delimited records.mav)" = $'{"n":1.0}\n{"n":{"$int32":2}}' ] || fail "json --delimited writes JSON Lines"
 [ "$("$mav" show --delimited records.mav | grep -c '^record ')" = 2 ] || fail "show --delimited shows each record"
+printf '\x80\x80\x80\x80\x10' >huge-prefix.mav
+expect 1 "^mav: huge-prefix.mav: record 0: length prefix 4294967296 is over the 2 GiB limit" "$mav" check --delimited huge-prefix.mav
+expect 1 "^mav: records.mav: record 0: nothing at the path \"m\"" "$mav" get --delimited records.mav m
 printf '{"n": 1.0}\n{"n": }\n' >bad.jsonl
 expect 1 "^mav: bad.jsonl: line 2, column" "$mav" encode --delimited bad.jsonl
 
