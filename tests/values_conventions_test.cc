@@ -133,6 +133,11 @@ TEST(ValuesArrays, OrderAndShapeAreWrittenAndChecked) {
   variant.mutable_array_data()->add_dimensions(4);
   EXPECT_FALSE(ShapeMatches(variant));
   ExpectRefused([&] { ReadArray<int32_t>(variant); }, {"shape 4", "6 elements"});
+  try {
+    ReadArray<int32_t>(variant);
+  } catch (const ValueError& error) {
+    EXPECT_EQ(std::string(error.what()).find("complex"), std::string::npos) << error.what();
+  }
 
   variant.mutable_array_data()->mutable_complexfloat_content()->add_float_content(1);
   variant.mutable_array_data()->set_dimensions(0, 1);
@@ -147,8 +152,15 @@ TEST(ValuesArrays, ACountThatIsNotTheShapesProductWritesNothing) {
   ExpectRefused([&] { SetArray(variant, six, {2, 2}); }, {"shape 2x2", "4 elements", "6"});
   ExpectRefused([&] { SetArray(variant, six, Shape()); }, {"at least one dimension"});
   ExpectRefused([&] { SetArray(variant, six.data(), six.size(), {1, 2, 4}); }, {"8 elements"});
+  ExpectRefused([&] { SetArray(variant, six, {6}, static_cast<Order>('X')); },
+                {"unknown data order 'X'"});
   EXPECT_TRUE(Equal(variant, before));
   EXPECT_EQ(FormOf(variant), Form::kScalar);
+  // Any zero extent makes an empty array, however large the others.
+  KVariant empty;
+  SetArray(empty, std::vector<double>(), {65536, 65536, 65536, 65536, 0});
+  EXPECT_EQ(ViewArray<double>(empty).shape().ElementCount(), 0u);
+  EXPECT_EQ((Shape{0, 65536, 65536, 65536, 65536}.ElementCount()), 0u);
 
   PropertyNode node;
   Child(node, "kept");

@@ -716,12 +716,17 @@ T GetValue(const PropertyNode& root, std::string_view path) {
 
 // Makes `target` hold an array of `count` elements of the kind T stands for,
 // with `shape` and `order`. Refused, with nothing written, when the count is
-// not the product of the shape.
+// not the product of the shape or the order is neither kC nor kF.
 template <typename Fraction = std::nano, typename Target, typename T,
           typename = detail::IfTarget<Target>>
 void SetArray(Target& target, const T* data, size_t count, const Shape& shape,
               Order order = Order::kC) {
   using V = std::remove_cv_t<T>;
+  if (order != Order::kC && order != Order::kF) {
+    // Every read would refuse the letter: refuse it here, before writing.
+    throw ValueError(std::string("unknown data order '") + OrderLetter(order) +
+                     "' (expected 'C' or 'F')");
+  }
   detail::CheckArrayCount(shape, count, detail::Traits<V>::storage == detail::Storage::kComplex ? 2 : 1);
   detail::WriteArray<Fraction, V>(detail::MutableVariant(target), data, count, shape, order);
 }
@@ -853,6 +858,7 @@ Array<T> ReadArray(const PropertyNode& root, std::string_view path) {
 //
 // A path is the keys and list indices from a node down, joined by '/':
 // "calibration/gain", "roi/2". In a key, '~' is written "~0" and '/' "~1".
+// A list index is canonical decimal: "01" names no item.
 // The empty path is the node itself (so an empty key directly under the
 // node has no path of its own; deeper, "a//b" and "a/" name empty keys).
 
