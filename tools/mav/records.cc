@@ -112,6 +112,7 @@ void ForEachTree(const Input& input, bool delimited, const std::function<void(Pr
     if (!tree.ParseFromZeroCopyStream(&stream)) throw Failure(input.name(), ParseProblem("the input"));
     if (TopLevelMembers(bytes) > 1)
       throw Failure(input.name(), "holds several trees one after another (joined files?); a sequence of records needs --delimited");
+    progress.Clear();
     return visit(tree, 0);
   }
   for (size_t record = 0;; ++record) {
@@ -122,6 +123,7 @@ void ForEachTree(const Input& input, bool delimited, const std::function<void(Pr
       if (clean_end) return;
       throw Failure(input.name(), ParseProblem(("record " + std::to_string(record)).c_str()));
     }
+    progress.Clear();
     visit(tree, record);
   }
 }
