@@ -38,7 +38,10 @@ expect 1 "^mav: huge.mav: 3.0 GiB is over the 2 GiB limit" "$mav" show huge.mav
 rm -f huge.mav
 expect 2 "FILE is required" "$mav" show
 expect 2 "A subcommand is required" "$mav"
-expect 2 "depth" "$mav" show "$sample" --depth 0
+expect 2 "^mav: --depth: expected a whole number from 1" "$mav" show "$sample" --depth 0
+expect 2 "^mav: unknown command 'foo'" "$mav" foo
+expect 2 "^mav: unexpected arguments: a b$" "$mav" json "$sample" a b
+grep -q "^Usage: mav json" stderr || fail "a command's usage names the tool"
 expect 0 "" "$mav" --help
 grep -q "Subcommands" stdout || fail "--help prints the usage"
 expect 0 "" "$mav" --version
