@@ -56,6 +56,13 @@ TEST(JsonTest, PlainValuesAndTagsReadNaturally) {
             R"({"$$ref":{"$int64":-1},"exposure":0.25,"gain":{"$uint16":4},"name":"det1","on":true,)"
             R"("roi":{"$array":"int32","shape":[2,2],"order":"F","data":[1,2,3,4]}})");
   EXPECT_EQ(ToJson(FromText("[null, [], {}, 3]")), "[null,[],{},3.0]");
+  // The empty tree, as written (with a newline) and padded with whitespace.
+  for (const char* empty : {"null", "null\n", " null ", "\tnull\r\n"}) {
+    PropertyNode node;
+    SetLeaf(node, "old", 1.0);
+    EXPECT_TRUE(FromJson(empty, &node)) << empty;
+    EXPECT_EQ(node.type_case(), PropertyNode::TYPE_NOT_SET) << empty;
+  }
 }
 
 TEST(JsonTest, TrickyValuesSurvive) {
@@ -194,6 +201,8 @@ TEST(JsonTest, BadInputIsRefusedWithItsPlaceAndNothingIsImported) {
       {"{\"a\": 1, \"$b\": 2}", 1, 10, "written with \"$$\""},
       {"{\"$datetime64\": \"2024-02-30T00:00:00Z\"}", 1, 17, "is not a UTC time"},
       {"[1] [2]", 1, 5, "after the JSON value"},
+      {"null x", 1, 6, "after the JSON value"},
+      {" nul", 1, 2, ""},
       {"{\"$float32\": 1e39}", 1, 14, "out of range for float32"},
   };
   for (const Case& c : cases) {

@@ -2,6 +2,8 @@
 // keys, zero-copy views, and that a refused call writes nothing.
 #include <gtest/gtest.h>
 
+#include <typeinfo>
+
 #include "MavValues.h"
 
 namespace {
@@ -66,6 +68,48 @@ TEST(ValuesTime, ATimeTheAskedTypeCannotHoldIsRefused) {
   SetValue(variant, std::chrono::seconds(1'000'000'000'000));
   EXPECT_EQ(GetValue<std::chrono::seconds>(variant), std::chrono::seconds(1'000'000'000'000));
   ExpectRefused([&] { GetValue<std::chrono::nanoseconds>(variant); }, {"1000000000000 seconds"});
+  // One tick past either end of nanoseconds.
+  SetValue(variant, std::chrono::nanoseconds::max());
+  variant.mutable_scalar_data()->mutable_duration_content()->set_fractional_content(854'775'808);
+  ExpectRefused([&] { GetValue<std::chrono::nanoseconds>(variant); }, {"9223372036 seconds"});
+  SetValue(variant, std::chrono::nanoseconds::min());
+  variant.mutable_scalar_data()->mutable_duration_content()->set_fractional_content(145'224'191);
+  ExpectRefused([&] { GetValue<std::chrono::nanoseconds>(variant); }, {"-9223372037 seconds"});
+}
+
+// Every value the layer writes reads back exactly into its own type, up to
+// the ends of the std::chrono types.
+template <typename T, typename Fraction = std::nano>
+void ExpectEndsReadBack() {
+  for (const T value : {T::min(), T::max(), T::min() + typename T::duration(1),
+                        T::max() - typename T::duration(1)}) {
+    KVariant variant;
+    SetValue<Fraction>(variant, value);
+    EXPECT_EQ((GetValue<T, Fraction>(variant)), value) << typeid(T).name();
+  }
+}
+TEST(ValuesTime, TheEndsOfEveryChronoTypeReadBack) {
+  using std::chrono::system_clock;
+  using std::chrono::time_point;
+  ExpectEndsReadBack<system_clock::time_point>();
+  ExpectEndsReadBack<time_point<system_clock, std::chrono::nanoseconds>>();
+  ExpectEndsReadBack<time_point<system_clock, std::chrono::microseconds>>();
+  ExpectEndsReadBack<time_point<system_clock, std::chrono::microseconds>, std::micro>();
+  ExpectEndsReadBack<time_point<system_clock, std::chrono::milliseconds>>();
+  ExpectEndsReadBack<time_point<system_clock, std::chrono::seconds>>();
+  ExpectEndsReadBack<time_point<std::chrono::steady_clock, std::chrono::nanoseconds>>();
+  const auto durations = [](auto duration) {
+    using D = decltype(duration);
+    for (const D value : {D::min(), D::max(), D(-1), D(0)}) {
+      KVariant variant;
+      SetValue(variant, value);
+      EXPECT_EQ(GetValue<D>(variant), value) << typeid(D).name();
+    }
+  };
+  durations(std::chrono::nanoseconds());
+  durations(std::chrono::microseconds());
+  durations(std::chrono::milliseconds());
+  durations(std::chrono::seconds());
 }
 
 TEST(ValuesArrays, OrderAndShapeAreWrittenAndChecked) {
@@ -89,6 +133,11 @@ TEST(ValuesArrays, OrderAndShapeAreWrittenAndChecked) {
   variant.mutable_array_data()->add_dimensions(4);
   EXPECT_FALSE(ShapeMatches(variant));
   ExpectRefused([&] { ReadArray<int32_t>(variant); }, {"shape 4", "6 elements"});
+  try {
+    ReadArray<int32_t>(variant);
+  } catch (const ValueError& error) {
+    EXPECT_EQ(std::string(error.what()).find("complex"), std::string::npos) << error.what();
+  }
 
   variant.mutable_array_data()->mutable_complexfloat_content()->add_float_content(1);
   variant.mutable_array_data()->set_dimensions(0, 1);
@@ -103,8 +152,15 @@ TEST(ValuesArrays, ACountThatIsNotTheShapesProductWritesNothing) {
   ExpectRefused([&] { SetArray(variant, six, {2, 2}); }, {"shape 2x2", "4 elements", "6"});
   ExpectRefused([&] { SetArray(variant, six, Shape()); }, {"at least one dimension"});
   ExpectRefused([&] { SetArray(variant, six.data(), six.size(), {1, 2, 4}); }, {"8 elements"});
+  ExpectRefused([&] { SetArray(variant, six, {6}, static_cast<Order>('X')); },
+                {"unknown data order 'X'"});
   EXPECT_TRUE(Equal(variant, before));
   EXPECT_EQ(FormOf(variant), Form::kScalar);
+  // Any zero extent makes an empty array, however large the others.
+  KVariant empty;
+  SetArray(empty, std::vector<double>(), {65536, 65536, 65536, 65536, 0});
+  EXPECT_EQ(ViewArray<double>(empty).shape().ElementCount(), 0u);
+  EXPECT_EQ((Shape{0, 65536, 65536, 65536, 65536}.ElementCount()), 0u);
 
   PropertyNode node;
   Child(node, "kept");

@@ -52,7 +52,7 @@ TEST(ValuesTree, PathsReachMapKeysAndListIndices) {
   EXPECT_EQ(Find(root, ""), &root);
 
   for (const char* missing : {"calibration/gian", "roi/4", "roi/x", "roi/-1", "exposure/more",
-                              "a/b~c", "mixed/2/x"}) {
+                              "a/b~c", "mixed/2/x", "mixed/01/nested"}) {
     EXPECT_EQ(Find(root, missing), nullptr) << missing;
     EXPECT_THROW(At(root, missing), ValueError) << missing;
   }

@@ -411,6 +411,22 @@ template <typename Fraction, typename Rep, typename Period>
 void WriteChrono(std::chrono::duration<Rep, Period> value, ChronoData& out) {
   using std::chrono::seconds;
   constexpr uint64_t kPerSecond = FractionsPerSecond<Fraction>();
+  if constexpr (std::is_integral_v<Rep> && Period::num == 1 && Period::den > 1) {
+    // Seconds and the ticks past them straight from the count: a step
+    // through the whole seconds in the finer type overflows at its lowest
+    // values.
+    constexpr int64_t kTicksPerSecond = Period::den;
+    int64_t whole = static_cast<int64_t>(value.count()) / kTicksPerSecond;
+    int64_t rest = static_cast<int64_t>(value.count()) % kTicksPerSecond;
+    if (rest < 0) {
+      rest += kTicksPerSecond;
+      whole -= 1;
+    }
+    out.set_seconds_content(whole);
+    out.set_fractional_content(static_cast<uint64_t>(
+        static_cast<unsigned __int128>(rest) * kPerSecond / kTicksPerSecond));
+    return;
+  }
   seconds whole = std::chrono::floor<seconds>(value);
   uint64_t fraction = static_cast<uint64_t>(
       std::chrono::duration_cast<std::chrono::duration<int64_t, Fraction>>(value - whole).count());
@@ -431,10 +447,22 @@ Duration ReadDuration(const ChronoData& in, std::string_view path) {
   const uint64_t fraction = in.fractional_content();
   if (fraction >= kPerSecond) ThrowBadFraction(path, fraction, kPerSecond);
   if constexpr (std::is_integral_v<typename Duration::rep>) {
-    // Whole seconds plus a fraction below one must both fit.
-    constexpr int64_t kLowest = std::chrono::ceil<seconds>(Duration::min()).count();
-    constexpr int64_t kHighest = std::chrono::floor<seconds>(Duration::max()).count() - 1;
+    // The seconds and the fraction together, exactly, in the target's ticks
+    // (floored); then the range check, which the ends of the type pass.
+    using Period = typename Duration::period;
+    constexpr int64_t kLowest = std::chrono::floor<seconds>(Duration::min()).count();
+    constexpr int64_t kHighest = std::chrono::floor<seconds>(Duration::max()).count();
     if (whole < kLowest || whole > kHighest) ThrowTimeOutOfRange(path, whole);
+    const __int128 scaled =
+        (static_cast<__int128>(whole) * kPerSecond + static_cast<__int128>(fraction)) * Period::den;
+    const __int128 unit = static_cast<__int128>(kPerSecond) * Period::num;
+    __int128 ticks = scaled / unit;
+    if (scaled % unit < 0) ticks -= 1;
+    if (ticks < static_cast<__int128>(Duration::min().count()) ||
+        ticks > static_cast<__int128>(Duration::max().count())) {
+      ThrowTimeOutOfRange(path, whole);
+    }
+    return Duration(static_cast<typename Duration::rep>(ticks));
   }
   return std::chrono::duration_cast<Duration>(seconds(whole)) +
          std::chrono::floor<Duration>(std::chrono::duration<int64_t, Fraction>(
@@ -688,12 +716,17 @@ T GetValue(const PropertyNode& root, std::string_view path) {
 
 // Makes `target` hold an array of `count` elements of the kind T stands for,
 // with `shape` and `order`. Refused, with nothing written, when the count is
-// not the product of the shape.
+// not the product of the shape or the order is neither kC nor kF.
 template <typename Fraction = std::nano, typename Target, typename T,
           typename = detail::IfTarget<Target>>
 void SetArray(Target& target, const T* data, size_t count, const Shape& shape,
               Order order = Order::kC) {
   using V = std::remove_cv_t<T>;
+  if (order != Order::kC && order != Order::kF) {
+    // Every read would refuse the letter: refuse it here, before writing.
+    throw ValueError(std::string("unknown data order '") + OrderLetter(order) +
+                     "' (expected 'C' or 'F')");
+  }
   detail::CheckArrayCount(shape, count, detail::Traits<V>::storage == detail::Storage::kComplex ? 2 : 1);
   detail::WriteArray<Fraction, V>(detail::MutableVariant(target), data, count, shape, order);
 }
@@ -825,6 +858,7 @@ Array<T> ReadArray(const PropertyNode& root, std::string_view path) {
 //
 // A path is the keys and list indices from a node down, joined by '/':
 // "calibration/gain", "roi/2". In a key, '~' is written "~0" and '/' "~1".
+// A list index is canonical decimal: "01" names no item.
 // The empty path is the node itself (so an empty key directly under the
 // node has no path of its own; deeper, "a//b" and "a/" name empty keys).
 //

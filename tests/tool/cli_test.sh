@@ -38,7 +38,10 @@ expect 1 "^mav: huge.mav: 3.0 GiB is over the 2 GiB limit" "$mav" show huge.mav
 rm -f huge.mav
 expect 2 "FILE is required" "$mav" show
 expect 2 "A subcommand is required" "$mav"
-expect 2 "depth" "$mav" show "$sample" --depth 0
+expect 2 "^mav: --depth: expected a whole number from 1" "$mav" show "$sample" --depth 0
+expect 2 "^mav: unknown command 'foo'" "$mav" foo
+expect 2 "^mav: unexpected arguments: a b$" "$mav" json "$sample" a b
+grep -q "^Usage: mav json" stderr || fail "a command's usage names the tool"
 expect 0 "" "$mav" --help
 grep -q "Subcommands" stdout || fail "--help prints the usage"
 expect 0 "" "$mav" --version
@@ -54,6 +57,17 @@ echo old >kept.mav
 expect 1 "truncated.mav" "$mav" json truncated.mav -o kept.mav
 [ "$(cat kept.mav)" = old ] || fail "a failed -o changed the existing target"
 
+# -o replaces a regular file through a symbolic link, keeping its mode, and
+# writes anything else (/dev/null, a FIFO) in place.
+echo old >private.mav && chmod 600 private.mav && ln -s private.mav link.mav
+"$mav" json "$sample" -o sample.json && "$mav" encode sample.json -o link.mav || fail "-o through a link"
+[ -L link.mav ] && cmp -s private.mav "$sample" || fail "-o replaces the file a link points to"
+[ "$(stat -c %a private.mav)" = 600 ] || fail "-o keeps the replaced file's mode"
+expect 0 "" "$mav" check "$sample" -o /dev/null
+[ -c /dev/null ] || fail "-o /dev/null replaced the device"
+mkfifo pipe && { cat pipe >from-pipe & } && "$mav" json "$sample" -o pipe && wait
+[ -p pipe ] && cmp -s from-pipe sample.json || fail "-o writes a FIFO in place"
+
 # Pipes: binary to JSON to binary through stdin and stdout, byte for byte.
 "$mav" json - <"$sample" | "$mav" encode - | cmp -s - "$sample" || fail "json | encode does not give the sample back"
 "$mav" json "$sample" -o sample.json && "$mav" encode sample.json -o again.mav && cmp -s again.mav "$sample" ||
@@ -64,6 +78,9 @@ printf '{"n": 1.0}\n\n{"n": {"$int32": 2}}\n' >records.jsonl
 "$mav" encode --delimited records.jsonl -o records.mav || fail "encode --delimited"
 [ "$("$mav" json --delimited records.mav)" = $'{"n":1.0}\n{"n":{"$int32":2}}' ] || fail "json --delimited writes JSON Lines"
 [ "$("$mav" show --delimited records.mav | grep -c '^record ')" = 2 ] || fail "show --delimited shows each record"
+printf '\x80\x80\x80\x80\x10' >huge-prefix.mav
+expect 1 "^mav: huge-prefix.mav: record 0: length prefix 4294967296 is over the 2 GiB limit" "$mav" check --delimited huge-prefix.mav
+expect 1 "^mav: records.mav: record 0: nothing at the path \"m\"" "$mav" get --delimited records.mav m
 printf '{"n": 1.0}\n{"n": }\n' >bad.jsonl
 expect 1 "^mav: bad.jsonl: line 2, column" "$mav" encode --delimited bad.jsonl
 

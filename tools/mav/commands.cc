@@ -20,9 +20,13 @@ std::string RecordHeading(const Request& request, size_t record) {
   return request.delimited ? "record " + std::to_string(record) + ":\n" : "";
 }
 
-const PropertyNode& NodeAt(const PropertyNode& root, const Request& request, const Input& input) {
+const PropertyNode& NodeAt(const PropertyNode& root, const Request& request, const Input& input,
+                           size_t record) {
   const PropertyNode* node = Find(root, request.path);
-  if (node == nullptr) throw Failure(input.name(), "nothing at the path \"" + request.path + "\"");
+  if (node == nullptr) {
+    const std::string where = request.delimited ? "record " + std::to_string(record) + ": " : "";
+    throw Failure(input.name(), where + "nothing at the path \"" + request.path + "\"");
+  }
   return *node;
 }
 
@@ -49,13 +53,13 @@ void Convert(const Request& request, Render&& render) {
 
 void Show(const Request& request) {
   Convert(request, [&](const PropertyNode& tree, size_t record, const Input& input) {
-    return RecordHeading(request, record) + ShowTree(NodeAt(tree, request, input), request.depth);
+    return RecordHeading(request, record) + ShowTree(NodeAt(tree, request, input, record), request.depth);
   });
 }
 
 void Get(const Request& request) {
-  Convert(request, [&](const PropertyNode& tree, size_t, const Input& input) -> std::string {
-    const PropertyNode& node = NodeAt(tree, request, input);
+  Convert(request, [&](const PropertyNode& tree, size_t record, const Input& input) -> std::string {
+    const PropertyNode& node = NodeAt(tree, request, input, record);
     if (!node.has_value_type()) return JsonOf(node, true, input) + "\n";
     const KVariant& value = node.value_type();
     if (value.has_array_data()) return ArrayText(value.array_data(), '\n');

@@ -1,7 +1,10 @@
 // mav: looks at, checks and converts property trees on disk.
 #include <CLI/CLI.hpp>
 
+#include <climits>
 #include <cstdio>
+#include <memory>
+#include <string>
 #include <functional>
 
 #include "MavValues.h"
@@ -16,6 +19,32 @@ using mav_tool::Request;
 constexpr int kUsageError = 2;
 constexpr int kFailure = 1;
 
+// A command's usage line names the tool too: "Usage: mav json ...".
+class Formatter : public CLI::Formatter {
+ public:
+  std::string make_usage(const CLI::App* app, std::string name) const override {
+    const bool named = app->get_parent() == nullptr || name.rfind("mav ", 0) == 0;
+    return CLI::Formatter::make_usage(app, named ? name : "mav " + name);
+  }
+};
+
+// --depth: a whole number of levels, said in plain words when it is not.
+std::string CheckDepth(std::string& text) {
+  const std::string wanted = "expected a whole number from 1 to " + std::to_string(INT_MAX);
+  if (text.empty() || text.size() > 10 || text.find_first_not_of("0123456789") != std::string::npos) {
+    return wanted + ", not '" + text + "'";
+  }
+  const long long depth = std::stoll(text);
+  if (depth < 1 || depth > INT_MAX) return wanted + ", not " + text;
+  return "";
+}
+
+int UsageError(const std::string& message, const CLI::App& usage) {
+  std::fprintf(stderr, "mav: %s\n", message.c_str());
+  std::fputs(usage.help().c_str(), stderr);
+  return kUsageError;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -23,6 +52,7 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", "mav " MAV_VERSION);
   app.require_subcommand(1);
   app.footer("FILE may be - for standard input. Output goes to standard output unless -o names a file.");
+  app.formatter(std::make_shared<Formatter>());
 
   Request request;
   std::function<void(const Request&)> command;
@@ -35,11 +65,12 @@ int main(int argc, char** argv) {
                       ? "A sequence of length-delimited records, as JSON Lines on the JSON side"
                       : "A sequence of length-delimited records, each handled in turn");
     sub->callback([&command, run] { command = run; });
+    sub->allow_extras();  // reported below, in the order given
     return sub;
   };
   const char* kTree = "A serialized PropertyNode";
   CLI::App* show = add("show", "Print the tree indented, each leaf with its kind, shape and value", mav_tool::Show, kTree);
-  show->add_option("--depth", request.depth, "Show this many levels below the starting node")->check(CLI::PositiveNumber);
+  show->add_option("--depth", request.depth, "Show this many levels below the starting node")->check(CLI::Validator(CheckDepth, "N"));
   show->add_option("--path", request.path, "Start at this node, e.g. calibration/gain or roi/2");
   CLI::App* get = add("get", "Print one value plainly, for scripts (exit 1 if the path is missing)", mav_tool::Get, kTree);
   get->add_option("PATH", request.path, "Keys and list indices joined by /")->required();
@@ -48,6 +79,14 @@ int main(int argc, char** argv) {
   add("text", "Print the runtime's text format", mav_tool::Text, kTree);
   add("check", "Parse, then count nodes, leaves and bytes per kind (exit 1 if not valid)", mav_tool::Check, kTree);
 
+  const auto is_command = [&app](const std::string& word) {
+    return !app.get_subcommands([&word](const CLI::App* sub) { return sub->check_name(word); }).empty();
+  };
+  if (argc > 1 && argv[1][0] != '-' && !is_command(argv[1])) {
+    return UsageError(std::string("unknown command '") + argv[1] +
+                          "' (the commands are show, get, json, encode, text, check)",
+                      app);
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
@@ -57,10 +96,16 @@ int main(int argc, char** argv) {
   } catch (const CLI::CallForVersion& e) {
     return app.exit(e);
   } catch (const CLI::ParseError& e) {
-    std::fprintf(stderr, "mav: %s\n", e.what());
     const std::vector<CLI::App*> chosen = app.get_subcommands();
-    std::fputs((chosen.empty() ? app.help() : chosen.front()->help()).c_str(), stderr);
-    return kUsageError;
+    return UsageError(e.what(), chosen.empty() ? app : *chosen.front());
+  }
+  for (const CLI::App* sub : app.get_subcommands()) {
+    const std::vector<std::string> extras = sub->remaining();
+    if (extras.empty()) continue;
+    std::string listed;
+    for (const std::string& extra : extras) listed += (listed.empty() ? "" : " ") + extra;
+    return UsageError((extras.size() > 1 ? "unexpected arguments: " : "unexpected argument: ") + listed,
+                      *sub);
   }
 
   try {

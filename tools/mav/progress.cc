@@ -9,8 +9,13 @@ namespace mav_tool {
 Progress::Progress(std::string label, uint64_t total)
     : label_(std::move(label)), total_(total), shown_(total >= kThreshold && isatty(STDERR_FILENO)) {}
 
-Progress::~Progress() {
-  if (shown_ && drawn_percent_ >= 0) std::fprintf(stderr, "\r\033[K");
+Progress::~Progress() { Clear(); }
+
+void Progress::Clear() {
+  if (!shown_ || drawn_percent_ < 0) return;
+  std::fprintf(stderr, "\r\033[K");
+  std::fflush(stderr);
+  drawn_percent_ = -1;
 }
 
 void Progress::Update(uint64_t done) {

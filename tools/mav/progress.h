@@ -19,6 +19,9 @@ class Progress {
   Progress& operator=(const Progress&) = delete;
 
   void Update(uint64_t done);
+  // Erases the bar, before output goes to the terminal; the next Update
+  // draws it again.
+  void Clear();
 
  private:
   std::string label_;

@@ -7,6 +7,7 @@
 #include <google/protobuf/wire_format_lite.h>
 
 #include <algorithm>
+#include <climits>
 
 #include "failure.h"
 #include "progress.h"
@@ -83,6 +84,22 @@ size_t TopLevelMembers(std::string_view bytes) {
   return members;
 }
 
+// The runtime reads a record's length as 32 bits and drops the rest, so a
+// prefix that does not fit would pass as a smaller one. Truncated or overlong
+// prefixes are left to the parse, which refuses them.
+void CheckLengthPrefix(std::string_view bytes, size_t at, const Input& input, size_t record) {
+  uint64_t length = 0;
+  for (int shift = 0; shift < 64 && at < bytes.size(); shift += 7, ++at) {
+    const auto byte = static_cast<uint8_t>(bytes[at]);
+    length |= static_cast<uint64_t>(byte & 0x7F) << shift;
+    if (byte < 0x80) break;
+  }
+  if (length > static_cast<uint64_t>(INT_MAX)) {
+    throw Failure(input.name(), "record " + std::to_string(record) + ": length prefix " +
+                                    std::to_string(length) + " is over the 2 GiB limit");
+  }
+}
+
 }  // namespace
 
 void ForEachTree(const Input& input, bool delimited, const std::function<void(PropertyNode&, size_t)>& visit) {
@@ -95,15 +112,18 @@ void ForEachTree(const Input& input, bool delimited, const std::function<void(Pr
     if (!tree.ParseFromZeroCopyStream(&stream)) throw Failure(input.name(), ParseProblem("the input"));
     if (TopLevelMembers(bytes) > 1)
       throw Failure(input.name(), "holds several trees one after another (joined files?); a sequence of records needs --delimited");
+    progress.Clear();
     return visit(tree, 0);
   }
   for (size_t record = 0;; ++record) {
     bool clean_end = false;
     tree.Clear();
+    CheckLengthPrefix(bytes, static_cast<size_t>(stream.ByteCount()), input, record);
     if (!google::protobuf::util::ParseDelimitedFromZeroCopyStream(&tree, &stream, &clean_end)) {
       if (clean_end) return;
       throw Failure(input.name(), ParseProblem(("record " + std::to_string(record)).c_str()));
     }
+    progress.Clear();
     visit(tree, record);
   }
 }

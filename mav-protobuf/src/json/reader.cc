@@ -57,6 +57,7 @@ class Reader {
   // from the document itself.
   void Root(PropertyNode* node) {
     const od::json_type type = Take(document_.type());
+    if (type == od::json_type::null) return RootNull();
     if (type == od::json_type::object || type == od::json_type::array) {
       od::value value = Take(document_.get_value());
       Node(value, node);
@@ -69,6 +70,16 @@ class Reader {
   }
 
  private:
+  // simdjson refuses a root null that whitespace follows, which is all that
+  // JSON allows after it: the empty tree's JSON ends with a newline.
+  void RootNull() {
+    const char* at = Where(document_);
+    const std::string_view text(at, static_cast<size_t>(end_ - at));
+    if (text.substr(0, 4) != "null") Refuse(at, "expected null");
+    const size_t rest = text.find_first_not_of(" \t\n\r", 4);
+    if (rest != std::string_view::npos) Refuse(at + rest, "unexpected text after the JSON value");
+  }
+
   // The shared state of one tagged object while its fields are read.
   struct Tagged {
     std::string_view tag;

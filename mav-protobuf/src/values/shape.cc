@@ -1,6 +1,8 @@
 // Shapes, orders and the element count of stored arrays.
 #include <climits>
 
+#include <algorithm>
+
 #include "values_internal.h"
 
 namespace Tarnwick {
@@ -18,6 +20,7 @@ void Shape::Assign(const uint32_t* extents, size_t rank) {
 }
 
 uint64_t Shape::ElementCount() const {
+  if (std::find(begin(), end(), 0u) != end()) return 0;
   uint64_t count = 1;
   for (uint32_t extent : *this) {
     if (__builtin_mul_overflow(count, uint64_t{extent}, &count)) {
@@ -88,6 +91,9 @@ bool ShapeMatches(const KVariant& value) {
   const ArrayDataUnion& array = value.array_data();
   if (HasHalfElement(array)) return false;
   if (array.dimensions_size() == 0) return StoredElementCount(array) <= UINT32_MAX;
+  if (std::find(array.dimensions().begin(), array.dimensions().end(), 0u) != array.dimensions().end()) {
+    return StoredElementCount(array) == 0;
+  }
   uint64_t count = 1;
   for (uint32_t extent : array.dimensions()) {
     if (__builtin_mul_overflow(count, uint64_t{extent}, &count)) return false;
@@ -124,9 +130,10 @@ const ArrayDataUnion& RequireArray(const KVariant& value, Kind kind, std::string
   }
   const ArrayDataUnion& array = value.array_data();
   if (!ShapeMatches(value)) {
+    const bool complex = kind == Kind::kComplex64 || kind == Kind::kComplex128;
     Fail(Where(path) + "shape " + Shape(array.dimensions()).ToString() +
-         " does not match the " + std::to_string(StoredElementCount(array)) +
-         " elements stored (complex arrays store two parts per element)");
+         " does not match the " + std::to_string(StoredElementCount(array)) + " elements stored" +
+         (complex ? " (complex arrays store two parts per element)" : ""));
   }
   const std::optional<Order> stored_order = values_internal::StoredOrder(array);
   if (!stored_order) {

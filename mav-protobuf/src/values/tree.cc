@@ -27,8 +27,9 @@ std::string Unescape(std::string_view raw) {
   return step;
 }
 
+// Canonical decimal only: "01" names no item, so that each item has one path.
 std::optional<size_t> ParseIndex(std::string_view text) {
-  if (text.empty() || text.size() > 10) return std::nullopt;
+  if (text.empty() || text.size() > 10 || (text.size() > 1 && text.front() == '0')) return std::nullopt;
   size_t index = 0;
   for (char digit : text) {
     if (digit < '0' || digit > '9') return std::nullopt;
