@@ -23,6 +23,24 @@ inline py::module_& Numpy() {
   static auto* numpy = new py::module_(py::module_::import("numpy"));
   return *numpy;
 }
+// The NumPy scalar types that values come back as, looked up once.
+struct NumpyTypes {
+  py::handle float32 = py::object(Numpy().attr("float32")).release();
+  py::handle int8 = py::object(Numpy().attr("int8")).release();
+  py::handle int16 = py::object(Numpy().attr("int16")).release();
+  py::handle int32 = py::object(Numpy().attr("int32")).release();
+  py::handle uint8 = py::object(Numpy().attr("uint8")).release();
+  py::handle uint16 = py::object(Numpy().attr("uint16")).release();
+  py::handle uint32 = py::object(Numpy().attr("uint32")).release();
+  py::handle uint64 = py::object(Numpy().attr("uint64")).release();
+  py::handle complex64 = py::object(Numpy().attr("complex64")).release();
+  py::handle datetime64 = py::object(Numpy().attr("datetime64")).release();
+  py::handle timedelta64 = py::object(Numpy().attr("timedelta64")).release();
+};
+inline const NumpyTypes& Types() {
+  static const auto* types = new NumpyTypes();
+  return *types;
+}
 inline py::module_& Datetime() {
   static auto* datetime = new py::module_(py::module_::import("datetime"));
   return *datetime;
@@ -63,6 +81,8 @@ void ValueFromPython(py::handle object, KVariant* value, const std::string& path
 
 // The deterministic serialization of a message.
 std::string DeterministicBytes(const google::protobuf::Message& message);
+// The same as a Python bytes object, written straight into it.
+py::bytes DeterministicPyBytes(const google::protobuf::Message& message);
 
 }  // namespace mavpy
 

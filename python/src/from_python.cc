@@ -113,8 +113,9 @@ void CopyElements(const py::array& source, Field* field) {
 template <typename Narrow, typename Field>
 void WidenElements(const py::array& source, Field* field) {
   const auto* data = static_cast<const Narrow*>(source.data());
-  field->Reserve(static_cast<int>(source.size()));
-  for (py::ssize_t at = 0; at < source.size(); ++at) field->Add(data[at]);
+  field->Resize(static_cast<int>(source.size()), 0);
+  auto* out = field->mutable_data();
+  for (py::ssize_t at = 0; at < source.size(); ++at) out[at] = data[at];
 }
 
 void ArrayFromNumpy(py::array source, KVariant* value, const std::string& path) {

@@ -1,9 +1,13 @@
 // The C++ half of the mavprotobuf package: bytes and JSON to Python trees and
 // back. The package's __init__.py adds files, records and the documentation.
 
+#include <google/protobuf/io/coded_stream.h>
+#include <google/protobuf/io/zero_copy_stream_impl_lite.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <algorithm>
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -58,15 +62,7 @@ PropertyNode TreeOf(py::handle tree) {
   return node;
 }
 
-py::bytes Dumps(py::handle tree) {
-  const PropertyNode node = TreeOf(tree);
-  std::string bytes;
-  {
-    py::gil_scoped_release unlocked;
-    bytes = DeterministicBytes(node);
-  }
-  return py::bytes(bytes);
-}
+py::bytes Dumps(py::handle tree) { return DeterministicPyBytes(TreeOf(tree)); }
 
 std::string ToJsonText(py::handle tree, bool pretty) {
   const PropertyNode node = TreeOf(tree);
@@ -111,6 +107,35 @@ std::string Repr(const Value& value) {
     text += ", wellknowntype=" + py::repr(py::bytes(variant.wellknowntype())).cast<std::string>();
   }
   return text + ")";
+}
+
+// For bench/python_bench.py: the best of `repeats` C++ parses and
+// deterministic serializations of `data`, in seconds, without Python objects.
+py::dict CppTimings(const py::bytes& data, int repeats) {
+  const std::string bytes = data;
+  double parse = 1e300, serialize = 1e300;
+  py::gil_scoped_release unlocked;
+  for (int run = 0; run < repeats; ++run) {
+    const auto start = std::chrono::steady_clock::now();
+    PropertyNode tree;
+    tree.ParseFromString(bytes);
+    const auto parsed = std::chrono::steady_clock::now();
+    std::string again(tree.ByteSizeLong(), '\0');
+    {
+      google::protobuf::io::ArrayOutputStream out(again.data(), static_cast<int>(again.size()));
+      google::protobuf::io::CodedOutputStream coded(&out);
+      coded.SetSerializationDeterministic(true);
+      tree.SerializeWithCachedSizes(&coded);
+    }
+    const auto written = std::chrono::steady_clock::now();
+    parse = std::min(parse, std::chrono::duration<double>(parsed - start).count());
+    serialize = std::min(serialize, std::chrono::duration<double>(written - parsed).count());
+  }
+  py::gil_scoped_acquire locked;
+  py::dict timings;
+  timings["parse"] = parse;
+  timings["serialize"] = serialize;
+  return timings;
 }
 
 }  // namespace
@@ -166,4 +191,5 @@ Value.from_bytes(b) from a value's serialized bytes.)")
   module.def("dumps", &Dumps, py::arg("tree"));
   module.def("to_json", &ToJsonText, py::arg("tree"), py::kw_only(), py::arg("pretty") = true);
   module.def("from_json", &FromJsonText, py::arg("text"));
+  module.def("_cpp_timings", &CppTimings, py::arg("data"), py::arg("repeats"));
 }

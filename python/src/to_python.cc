@@ -29,6 +29,25 @@ std::string DeterministicBytes(const google::protobuf::Message& message) {
   return bytes;
 }
 
+py::bytes DeterministicPyBytes(const google::protobuf::Message& message) {
+  const size_t size = message.ByteSizeLong();
+  if (size > static_cast<size_t>(std::numeric_limits<int>::max())) {
+    throw py::value_error("the tree is over 2 GiB serialized");
+  }
+  auto bytes = py::reinterpret_steal<py::bytes>(
+      PyBytes_FromStringAndSize(nullptr, static_cast<py::ssize_t>(size)));
+  if (!bytes) throw py::error_already_set();
+  auto* target = reinterpret_cast<uint8_t*>(PyBytes_AS_STRING(bytes.ptr()));
+  {
+    py::gil_scoped_release unlocked;
+    google::protobuf::io::ArrayOutputStream out(target, static_cast<int>(size));
+    google::protobuf::io::CodedOutputStream coded(&out);
+    coded.SetSerializationDeterministic(true);
+    message.SerializeWithCachedSizes(&coded);
+  }
+  return bytes;
+}
+
 KVariant Value::Variant() const {
   KVariant variant;
   variant.ParseFromString(bytes);
@@ -65,9 +84,9 @@ bool Fits(Wide value) {
 }
 
 template <typename Narrow, typename Wide>
-std::optional<py::object> NarrowScalar(Wide value, const char* type) {
+std::optional<py::object> NarrowScalar(Wide value, py::handle type) {
   if (!Fits<Narrow>(value)) return std::nullopt;
-  return Numpy().attr(type)(value);
+  return type(value);
 }
 
 std::optional<py::object> PlainScalar(const ScalarDataUnion& scalar) {
@@ -76,30 +95,30 @@ std::optional<py::object> PlainScalar(const ScalarDataUnion& scalar) {
     case S::kStringContent:
       return Text(scalar.string_content());
     case S::kFloatContent:
-      return Numpy().attr("float32")(scalar.float_content());
+      return Types().float32(scalar.float_content());
     case S::kDoubleContent:
       return py::float_(scalar.double_content());
     case S::kInt8Content:
-      return NarrowScalar<int8_t>(scalar.int8_content(), "int8");
+      return NarrowScalar<int8_t>(scalar.int8_content(), Types().int8);
     case S::kInt16Content:
-      return NarrowScalar<int16_t>(scalar.int16_content(), "int16");
+      return NarrowScalar<int16_t>(scalar.int16_content(), Types().int16);
     case S::kInt32Content:
-      return Numpy().attr("int32")(scalar.int32_content());
+      return Types().int32(scalar.int32_content());
     case S::kInt64Content:
       return py::int_(scalar.int64_content());
     case S::kUnsignedInt8Content:
-      return NarrowScalar<uint8_t>(scalar.unsignedint8_content(), "uint8");
+      return NarrowScalar<uint8_t>(scalar.unsignedint8_content(), Types().uint8);
     case S::kUnsignedInt16Content:
-      return NarrowScalar<uint16_t>(scalar.unsignedint16_content(), "uint16");
+      return NarrowScalar<uint16_t>(scalar.unsignedint16_content(), Types().uint16);
     case S::kUnsignedInt32Content:
-      return Numpy().attr("uint32")(scalar.unsignedint32_content());
+      return Types().uint32(scalar.unsignedint32_content());
     case S::kUnsignedInt64Content:
-      return Numpy().attr("uint64")(py::int_(scalar.unsignedint64_content()));
+      return Types().uint64(py::int_(scalar.unsignedint64_content()));
     case S::kBoolContent:
       return py::bool_(scalar.bool_content());
     case S::kComplexFloatContent: {
       const auto& c = scalar.complexfloat_content();
-      return Numpy().attr("complex64")(
+      return Types().complex64(
           py::reinterpret_steal<py::object>(PyComplex_FromDoubles(c.re_content(), c.im_content())));
     }
     case S::kComplexDoubleContent: {
@@ -112,7 +131,7 @@ std::optional<py::object> PlainScalar(const ScalarDataUnion& scalar) {
       const bool duration = scalar.content_case() == S::kDurationContent;
       const auto ns = Nanoseconds(duration ? scalar.duration_content() : scalar.timepoint_content());
       if (!ns) return std::nullopt;
-      return Numpy().attr(duration ? "timedelta64" : "datetime64")(*ns, "ns");
+      return (duration ? Types().timedelta64 : Types().datetime64)(*ns, "ns");
     }
     case S::CONTENT_NOT_SET:
       break;
@@ -186,10 +205,10 @@ py::object Converted(size_t count, const ArrayDataUnion& array, const char* dtyp
 template <typename Narrow, typename Wide>
 py::object NarrowArray(const google::protobuf::RepeatedField<Wide>& values,
                        const ArrayDataUnion& array, const char* dtype) {
-  return Converted<Narrow>(values.size(), array, dtype, [&values](size_t at, Narrow* out) {
-    if (!Fits<Narrow>(values.Get(static_cast<int>(at)))) return false;
-    *out = static_cast<Narrow>(values.Get(static_cast<int>(at)));
-    return true;
+  const Wide* data = values.data();
+  return Converted<Narrow>(values.size(), array, dtype, [data](size_t at, Narrow* out) {
+    *out = static_cast<Narrow>(data[at]);
+    return Fits<Narrow>(data[at]);
   });
 }
 
