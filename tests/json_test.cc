@@ -202,6 +202,12 @@ TEST(JsonTest, BadInputIsRefusedWithItsPlaceAndNothingIsImported) {
       {"{\"$datetime64\": \"2024-02-30T00:00:00Z\"}", 1, 17, "is not a UTC time"},
       {"[1] [2]", 1, 5, "after the JSON value"},
       {"null x", 1, 6, "after the JSON value"},
+      {"{\"a\": 1.0", 1, 10, "ends before a closing } or ]"},
+      {"{\"a\": {\"$float64\": 1e400}}", 1, 20, "1e400 is out of range for float64"},
+      {"{\"$uint16\": -1}", 1, 13, "-1 is out of range for uint16"},
+      {"{\"$int32\": 2147483648}", 1, 12, "2147483648 is out of range for int32"},
+      {"{\"$int32\": 01}", 1, 12, "expected an integer, found 01"},
+      {"\xEF\xBB\xBF{\"$int8\": 300}", 1, 14, "300 is out of range for int8"},
       {" nul", 1, 2, ""},
       {"{\"$float32\": 1e39}", 1, 14, "out of range for float32"},
   };
