@@ -202,6 +202,8 @@ TEST(JsonTest, BadInputIsRefusedWithItsPlaceAndNothingIsImported) {
       {"{\"$datetime64\": \"2024-02-30T00:00:00Z\"}", 1, 17, "is not a UTC time"},
       {"[1] [2]", 1, 5, "after the JSON value"},
       {"null x", 1, 6, "after the JSON value"},
+      {"{\"$float64\": 1.0, \"unknown\": {\"variant\": \"GgF4\"}}", 1, 48, "field 3, which KVariant knows"},
+      {"{\"$node\": {\"a\": 1.0}, \"unknown\": \"EgA=\"}", 1, 34, "field 2, which PropertyNode knows"},
       {"{\"a\": 1.0", 1, 10, "ends before a closing } or ]"},
       {"{\"a\": {\"$float64\": 1e400}}", 1, 20, "1e400 is out of range for float64"},
       {"{\"$uint16\": -1}", 1, 13, "-1 is out of range for uint16"},

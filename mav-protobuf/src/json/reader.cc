@@ -2,6 +2,8 @@
 // in one pass straight into a fresh tree, which replaces the caller's only
 // when all of it was read.
 #include <google/protobuf/stubs/strutil.h>
+#include <google/protobuf/unknown_field_set.h>
+#include <google/protobuf/wire_format_lite.h>
 #include <simdjson.h>
 
 #include <algorithm>
@@ -54,6 +56,24 @@ std::string SyntaxReason(simdjson::error_code error) {
 
 [[noreturn]] void RefuseSyntax(const char* at, simdjson::error_code error) {
   throw Refusal{at, SyntaxReason(error), true};
+}
+
+// Whether a parse reads an unknown field of this wire type as `known`.
+bool ReadAsKnown(const protobuf::FieldDescriptor* known, protobuf::UnknownField::Type type) {
+  if (known == nullptr) return false;
+  using WireFormatLite = protobuf::internal::WireFormatLite;
+  WireFormatLite::WireType wire = WireFormatLite::WIRETYPE_START_GROUP;
+  switch (type) {
+    case protobuf::UnknownField::TYPE_VARINT: wire = WireFormatLite::WIRETYPE_VARINT; break;
+    case protobuf::UnknownField::TYPE_FIXED32: wire = WireFormatLite::WIRETYPE_FIXED32; break;
+    case protobuf::UnknownField::TYPE_FIXED64: wire = WireFormatLite::WIRETYPE_FIXED64; break;
+    case protobuf::UnknownField::TYPE_LENGTH_DELIMITED: wire = WireFormatLite::WIRETYPE_LENGTH_DELIMITED; break;
+    case protobuf::UnknownField::TYPE_GROUP: break;
+  }
+  const auto expected =
+      WireFormatLite::WireTypeForFieldType(static_cast<WireFormatLite::FieldType>(known->type()));
+  return wire == expected ||
+         (known->is_packable() && wire == WireFormatLite::WIRETYPE_LENGTH_DELIMITED);
 }
 
 // What is still open at the end of the text: the number of { and [ not
@@ -659,6 +679,17 @@ class Reader {
   void MergeUnknown(const char* at, const std::string& bytes, protobuf::Message* message) {
     protobuf::UnknownFieldSet fields;
     if (!fields.ParseFromString(bytes)) Refuse(at, "the unknown fields are not protocol-buffer wire bytes");
+    // They stand for fields of a newer schema; one that a parse would read as
+    // a field this schema knows would change the value's meaning once
+    // written as binary. (A known number in another wire type stays unknown
+    // on parse, so it may stand here.)
+    for (int index = 0; index < fields.field_count(); ++index) {
+      const protobuf::UnknownField& field = fields.field(index);
+      if (ReadAsKnown(message->GetDescriptor()->FindFieldByNumber(field.number()), field.type())) {
+        Refuse(at, "the unknown fields hold field " + std::to_string(field.number()) + ", which " +
+                       message->GetDescriptor()->name() + " knows");
+      }
+    }
     MutableUnknown(message)->MergeFrom(fields);
   }
 
