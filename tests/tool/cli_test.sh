@@ -68,6 +68,13 @@ expect 0 "" "$mav" check "$sample" -o /dev/null
 mkfifo pipe && { cat pipe >from-pipe & } && "$mav" json "$sample" -o pipe && wait
 [ -p pipe ] && cmp -s from-pipe sample.json || fail "-o writes a FIFO in place"
 
+# show prints UTF-8 as it is, 64-bit extremes exactly, NaN as nan.
+printf '{"ключ": "значение", "u": {"$array": "uint64", "data": [18446744073709551615, 1]}, "f": {"$array": "float64", "data": ["Infinity", "-Infinity"]}}' >show.json
+"$mav" encode show.json -o show.mav && "$mav" show show.mav >shown || fail "show of UTF-8 and extremes"
+grep -q '^ключ: str "значение"$' shown || fail "show prints UTF-8 text as it is"
+grep -q 'max 18446744073709551615 ' shown || fail "show prints 64-bit extremes exactly"
+grep -q 'mean nan$' shown || fail "show prints NaN as nan"
+
 # Pipes: binary to JSON to binary through stdin and stdout, byte for byte.
 "$mav" json - <"$sample" | "$mav" encode - | cmp -s - "$sample" || fail "json | encode does not give the sample back"
 "$mav" json "$sample" -o sample.json && "$mav" encode sample.json -o again.mav && cmp -s again.mav "$sample" ||

@@ -69,11 +69,14 @@ int main(int argc, char** argv) {
     return sub;
   };
   const char* kTree = "A serialized PropertyNode";
+  const char* kPathHelp =
+      "A node: map keys and list indices joined by /, e.g. gain or settings/channels/0 "
+      "(in a key, / is written ~1 and ~ is written ~0; array elements have no path)";
   CLI::App* show = add("show", "Print the tree indented, each leaf with its kind, shape and value", mav_tool::Show, kTree);
   show->add_option("--depth", request.depth, "Show this many levels below the starting node")->check(CLI::Validator(CheckDepth, "N"));
-  show->add_option("--path", request.path, "Start at this node, e.g. calibration/gain or roi/2");
+  show->add_option("--path", request.path, kPathHelp);
   CLI::App* get = add("get", "Print one value plainly, for scripts (exit 1 if the path is missing)", mav_tool::Get, kTree);
-  get->add_option("PATH", request.path, "Keys and list indices joined by /")->required();
+  get->add_option("PATH", request.path, kPathHelp)->required();
   add("json", "Print the natural JSON form", mav_tool::Json, kTree);
   add("encode", "Turn the natural JSON form into deterministic wire bytes", mav_tool::Encode, "A JSON file");
   add("text", "Print the runtime's text format", mav_tool::Text, kTree);

@@ -1,7 +1,5 @@
 #include "show.h"
 
-#include <google/protobuf/stubs/strutil.h>
-
 #include "value_text.h"
 
 namespace mav_tool {
@@ -35,7 +33,7 @@ void ShowLine(const std::string& label, const PropertyNode& node, int depth, siz
 void ShowChildren(const PropertyNode& node, int depth, size_t indent, std::string* out) {
   if (node.has_map_type()) {
     for (const MapEntryRef& entry : SortedEntries(node))
-      ShowLine(google::protobuf::CEscape(std::string(entry.key)), *entry.node, depth, indent, out);
+      ShowLine(EscapedText(std::string(entry.key)), *entry.node, depth, indent, out);
   } else if (node.has_list_type()) {
     for (int i = 0; i < node.list_type().list_data_size(); ++i)
       ShowLine("[" + std::to_string(i) + "]", node.list_type().list_data(i), depth, indent, out);
@@ -59,7 +57,7 @@ std::string DescribeValue(const KVariant& value) {
       if (!kind) {
         text = "scalar with no value";
       } else if (*kind == Kind::kString) {
-        text = "str \"" + google::protobuf::CEscape(value.scalar_data().string_content()) + "\"";
+        text = "str \"" + EscapedText(value.scalar_data().string_content()) + "\"";
       } else {
         text = std::string(KindName(*kind)) + " " + ScalarText(value.scalar_data());
       }
@@ -71,14 +69,14 @@ std::string DescribeValue(const KVariant& value) {
       text = kind ? std::string(KindName(*kind)) + " array" : "array with no kind";
       const std::string shape = ShapeText(array);
       text += " " + (shape.empty() ? std::to_string(kind ? StoredElementCount(array) : 0) : shape);
-      if (!array.dataorder().empty()) text += " order " + google::protobuf::CEscape(array.dataorder());
+      if (!array.dataorder().empty()) text += " order " + EscapedText(array.dataorder());
       if (kind && !ShapeMatches(value))
         text += " (shape does not fit its " + std::to_string(StoredElementCount(array)) + " elements)";
       if (kind) text += " " + ArraySummary(array, kShownElements);
       break;
     }
   }
-  if (!value.wellknowntype().empty()) text += " (wellknowntype " + google::protobuf::CEscape(value.wellknowntype()) + ")";
+  if (!value.wellknowntype().empty()) text += " (wellknowntype " + EscapedText(value.wellknowntype()) + ")";
   return text;
 }
 

@@ -83,33 +83,33 @@ std::string DurationText(const ChronoData& chrono) {
   return text;
 }
 
-std::string TextOf(const std::string& bytes) { return google::protobuf::CEscape(bytes); }
 
 // Calls `each(text, number)` for element i of the array: its text, and its
-// value as a number where it has one (NaN otherwise).
+// value as a number where it has one (NaN otherwise), in a long double, which
+// holds every 64-bit integer exactly.
 template <typename Each>
 void ForEachElement(const ArrayDataUnion& array, Kind kind, size_t limit, Each&& each) {
   const auto numbers = [&](const auto& values) {
-    for (int i = 0; i < values.size() && size_t(i) < limit; ++i) each(Number(values.Get(i)), double(values.Get(i)));
+    for (int i = 0; i < values.size() && size_t(i) < limit; ++i) each(Number(values.Get(i)), static_cast<long double>(values.Get(i)));
   };
   const auto bytes = [&](const std::string& values, auto type) {
     for (size_t i = 0; i < values.size() && i < limit; ++i) {
       const auto value = static_cast<decltype(type)>(values[i]);
-      each(std::to_string(value), double(value));
+      each(std::to_string(value), static_cast<long double>(value));
     }
   };
   const auto pairs = [&](const auto& parts) {
     for (int i = 0; i + 1 < parts.size() && size_t(i / 2) < limit; i += 2)
-      each(ComplexText(parts.Get(i), parts.Get(i + 1)), std::nan(""));
+      each(ComplexText(parts.Get(i), parts.Get(i + 1)), std::nanl(""));
   };
   const auto chronos = [&](const ArrayChronoData& values, std::string (*text)(const ChronoData&)) {
     for (int i = 0; i < values.chrono_content_size() && size_t(i) < limit; ++i)
-      each(text(values.chrono_content(i)), std::nan(""));
+      each(text(values.chrono_content(i)), std::nanl(""));
   };
   switch (kind) {
     case Kind::kString:
       for (int i = 0; i < array.string_content().string_content_size() && size_t(i) < limit; ++i)
-        each("\"" + TextOf(array.string_content().string_content(i)) + "\"", std::nan(""));
+        each("\"" + EscapedText(array.string_content().string_content(i)) + "\"", std::nanl(""));
       break;
     case Kind::kFloat32: numbers(array.float_content().float_content()); break;
     case Kind::kFloat64: numbers(array.double_content().double_content()); break;
@@ -123,7 +123,7 @@ void ForEachElement(const ArrayDataUnion& array, Kind kind, size_t limit, Each&&
     case Kind::kUInt64: numbers(array.unsignedint64_content().unsignedint64_content()); break;
     case Kind::kBool:
       for (int i = 0; i < array.bool_content().bool_content_size() && size_t(i) < limit; ++i)
-        each(array.bool_content().bool_content(i) ? "true" : "false", std::nan(""));
+        each(array.bool_content().bool_content(i) ? "true" : "false", std::nanl(""));
       break;
     case Kind::kComplex64: pairs(array.complexfloat_content().float_content()); break;
     case Kind::kComplex128: pairs(array.complexdouble_content().double_content()); break;
@@ -133,6 +133,29 @@ void ForEachElement(const ArrayDataUnion& array, Kind kind, size_t limit, Each&&
 }
 
 }  // namespace
+
+std::string EscapedText(std::string_view bytes) {
+  std::string text;
+  text.reserve(bytes.size());
+  while (!bytes.empty()) {
+    const size_t valid = static_cast<size_t>(google::protobuf::internal::UTF8SpnStructurallyValid(
+        google::protobuf::StringPiece(bytes.data(), bytes.size())));
+    for (const char c : bytes.substr(0, valid)) {
+      const auto byte = static_cast<unsigned char>(c);
+      if (byte >= 0x20 && byte != 0x7F && c != '"' && c != '\\') {
+        text += c;
+      } else {
+        text += google::protobuf::CEscape(std::string(1, c));
+      }
+    }
+    if (valid == bytes.size()) break;
+    char escaped[8];
+    std::snprintf(escaped, sizeof(escaped), "\\x%02X", static_cast<unsigned char>(bytes[valid]));
+    text += escaped;
+    bytes.remove_prefix(valid + 1);
+  }
+  return text;
+}
 
 std::string ScalarText(const ScalarDataUnion& scalar) {
   const std::optional<Kind> kind = KindOf(scalar);
@@ -163,7 +186,7 @@ std::string ScalarText(const ScalarDataUnion& scalar) {
 std::string ArrayText(const ArrayDataUnion& array, char separator) {
   std::string text;
   if (const std::optional<Kind> kind = KindOf(array)) {
-    ForEachElement(array, *kind, std::numeric_limits<size_t>::max(), [&](const std::string& element, double) {
+    ForEachElement(array, *kind, std::numeric_limits<size_t>::max(), [&](const std::string& element, long double) {
       text += element;
       text += separator;
     });
@@ -176,9 +199,9 @@ std::string ArraySummary(const ArrayDataUnion& array, size_t shown) {
   if (!kind) return "(no elements)";
   const size_t count = StoredElementCount(array);
   std::string text = "[";
-  double least = std::numeric_limits<double>::infinity(), most = -least, sum = 0;
+  long double least = std::numeric_limits<long double>::infinity(), most = -least, sum = 0;
   size_t numbers = 0, index = 0;
-  ForEachElement(array, *kind, count, [&](const std::string& element, double number) {
+  ForEachElement(array, *kind, count, [&](const std::string& element, long double number) {
     if (index < shown) text += (index > 0 ? ", " : "") + element;
     ++index;
     if (std::isnan(number)) return;
@@ -190,9 +213,16 @@ std::string ArraySummary(const ArrayDataUnion& array, size_t shown) {
   if (count > shown) text += ", ...";
   text += "]";
   if (numbers > 1) {
-    char stats[96];
-    std::snprintf(stats, sizeof(stats), " min %.6g max %.6g mean %.6g", least, most, sum / static_cast<double>(numbers));
-    text += stats;
+    const bool integral = *kind != Kind::kFloat32 && *kind != Kind::kFloat64;
+    const auto format = [](const char* form, long double value) {
+      if (std::isnan(value)) return std::string("nan");
+      char number[64];
+      std::snprintf(number, sizeof(number), form, value);
+      return std::string(number);
+    };
+    const char* extreme = integral ? "%.0Lf" : "%.6Lg";
+    text += " min " + format(extreme, least) + " max " + format(extreme, most) + " mean " +
+            format("%.6Lg", sum / static_cast<long double>(numbers));
   }
   return text;
 }

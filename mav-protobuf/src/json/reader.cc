@@ -2,6 +2,8 @@
 // in one pass straight into a fresh tree, which replaces the caller's only
 // when all of it was read.
 #include <google/protobuf/stubs/strutil.h>
+#include <google/protobuf/unknown_field_set.h>
+#include <google/protobuf/wire_format_lite.h>
 #include <simdjson.h>
 
 #include <algorithm>
@@ -24,9 +26,76 @@ namespace od = simdjson::ondemand;
 struct Refusal {
   const char* at;
   std::string reason;
+  bool syntax = false;  // found by simdjson, which may stop short of the real fault
 };
 
 [[noreturn]] void Refuse(const char* at, std::string reason) { throw Refusal{at, std::move(reason)}; }
+
+// simdjson's errors in this form's words.
+std::string SyntaxReason(simdjson::error_code error) {
+  std::string reason;
+  switch (error) {
+    case simdjson::TAPE_ERROR:
+    case simdjson::INCOMPLETE_ARRAY_OR_OBJECT:
+      reason = "malformed JSON: a comma, a colon, a key or a closing } or ] is missing or out of place";
+      break;
+    case simdjson::NUMBER_ERROR: reason = "malformed number"; break;
+    case simdjson::STRING_ERROR: reason = "malformed string (a bad escape or a control character)"; break;
+    case simdjson::UNCLOSED_STRING: reason = "a string is not closed"; break;
+    case simdjson::T_ATOM_ERROR:
+    case simdjson::F_ATOM_ERROR:
+    case simdjson::N_ATOM_ERROR: reason = "expected true, false or null"; break;
+    case simdjson::UTF8_ERROR: reason = "the text is not UTF-8"; break;
+    case simdjson::INCORRECT_TYPE: reason = "malformed value"; break;
+    case simdjson::EMPTY: reason = "no JSON value"; break;
+    case simdjson::DEPTH_ERROR: reason = "nested too deeply"; break;
+    default: reason = simdjson::error_message(error); break;
+  }
+  return reason;
+}
+
+[[noreturn]] void RefuseSyntax(const char* at, simdjson::error_code error) {
+  throw Refusal{at, SyntaxReason(error), true};
+}
+
+// Whether a parse reads an unknown field of this wire type as `known`.
+bool ReadAsKnown(const protobuf::FieldDescriptor* known, protobuf::UnknownField::Type type) {
+  if (known == nullptr) return false;
+  using WireFormatLite = protobuf::internal::WireFormatLite;
+  WireFormatLite::WireType wire = WireFormatLite::WIRETYPE_START_GROUP;
+  switch (type) {
+    case protobuf::UnknownField::TYPE_VARINT: wire = WireFormatLite::WIRETYPE_VARINT; break;
+    case protobuf::UnknownField::TYPE_FIXED32: wire = WireFormatLite::WIRETYPE_FIXED32; break;
+    case protobuf::UnknownField::TYPE_FIXED64: wire = WireFormatLite::WIRETYPE_FIXED64; break;
+    case protobuf::UnknownField::TYPE_LENGTH_DELIMITED: wire = WireFormatLite::WIRETYPE_LENGTH_DELIMITED; break;
+    case protobuf::UnknownField::TYPE_GROUP: break;
+  }
+  const auto expected =
+      WireFormatLite::WireTypeForFieldType(static_cast<WireFormatLite::FieldType>(known->type()));
+  return wire == expected ||
+         (known->is_packable() && wire == WireFormatLite::WIRETYPE_LENGTH_DELIMITED);
+}
+
+// What is still open at the end of the text: the number of { and [ not
+// closed, outside strings.
+int OpenAtEnd(std::string_view json) {
+  int open = 0;
+  bool in_string = false;
+  for (size_t at = 0; at < json.size(); ++at) {
+    const char c = json[at];
+    if (in_string) {
+      if (c == '\\') ++at;
+      else if (c == '"') in_string = false;
+    } else if (c == '"') {
+      in_string = true;
+    } else if (c == '{' || c == '[') {
+      ++open;
+    } else if (c == '}' || c == ']') {
+      --open;
+    }
+  }
+  return in_string ? -1 : open;
+}
 
 bool IsNarrow(Kind kind) {
   return kind == Kind::kInt8 || kind == Kind::kInt16 || kind == Kind::kUInt8 || kind == Kind::kUInt16;
@@ -504,6 +573,16 @@ class Reader {
   template <typename Float>
   Float NonFinite(od::value& json) {
     const char* at = Where(json);
+    const std::string_view token = Trimmed(json.raw_json_token());
+    if (!token.empty() && (token[0] == '-' || (token[0] >= '0' && token[0] <= '9'))) {
+      double value;
+      const auto [end, error] = std::from_chars(token.data(), token.data() + token.size(), value);
+      if (error == std::errc::result_out_of_range) {
+        Refuse(at, std::string(token) + " is out of range for " +
+                       (std::is_same_v<Float, double> ? "float64" : "float32"));
+      }
+      Refuse(at, std::string(token) + " is not a JSON number");
+    }
     const std::string_view text = Take(json.get_string(), at, "expected a number");
     if (text == kNaN) return std::numeric_limits<Float>::quiet_NaN();
     if (text == kMinusNaN) return -std::numeric_limits<Float>::quiet_NaN();
@@ -512,14 +591,17 @@ class Reader {
     Refuse(at, "\"" + std::string(text) + "\" is not a number");
   }
 
+  // `kind` names the kind in errors: an 8- or 16-bit kind is read in its
+  // 32-bit storage type.
   template <typename Stored>
-  Stored Integer(od::value& json) {
+  Stored Integer(od::value& json, std::string_view kind = KindName(KindFor<Stored>)) {
     if constexpr (std::is_signed_v<Stored>) {
-      const int64_t value = Signed(json);
-      if (value < Least<Stored>() || value > Most<Stored>()) RefuseRange(json, KindName(KindFor<Stored>));
+      const char* at = Where(json);
+      const int64_t value = Signed(json, kind);
+      if (value < Least<Stored>() || value > Most<Stored>()) RefuseRange(json, at, kind);
       return static_cast<Stored>(value);
     } else {
-      return static_cast<Stored>(Unsigned(json, Most<Stored>(), KindName(KindFor<Stored>)));
+      return static_cast<Stored>(Unsigned(json, Most<Stored>(), kind));
     }
   }
 
@@ -528,7 +610,7 @@ class Reader {
   template <typename Stored>
   Stored Narrow(od::value& json, Range range, Tagged* tagged) {
     const char* at = Where(json);
-    const Stored value = Integer<Stored>(json);
+    const Stored value = Integer<Stored>(json, KindName(*tagged->kind));
     const bool outside = std::is_signed_v<Stored> ? (int64_t(value) < range.least || int64_t(value) > int64_t(range.most))
                                                   : uint64_t(value) > range.most;
     if (outside && tagged->outside_kind == nullptr) {
@@ -539,30 +621,33 @@ class Reader {
     return value;
   }
 
-  int64_t Signed(od::value& json) {
+  int64_t Signed(od::value& json, std::string_view kind) {
+    const char* at = Where(json);
     int64_t value;
-    if (json.get_int64().get(value) != simdjson::SUCCESS) RefuseInteger(json, "int64");
+    if (json.get_int64().get(value) != simdjson::SUCCESS) RefuseInteger(json, at, kind);
     return value;
   }
 
   uint64_t Unsigned(od::value& json, uint64_t most, std::string_view what) {
+    const char* at = Where(json);
     uint64_t value;
-    if (json.get_uint64().get(value) != simdjson::SUCCESS || value > most) RefuseInteger(json, what);
+    if (json.get_uint64().get(value) != simdjson::SUCCESS || value > most) RefuseInteger(json, at, what);
     return value;
   }
 
-  // Digits that no integer kind holds are out of range; anything else is no
-  // integer at all.
-  [[noreturn]] void RefuseInteger(od::value& json, std::string_view kind) {
+  // Digits that no integer kind holds are out of range; anything else
+  // (including a leading zero, which JSON does not allow) is no integer.
+  [[noreturn]] void RefuseInteger(od::value& json, const char* at, std::string_view kind) {
     const std::string_view token = Trimmed(json.raw_json_token());
     const std::string_view digits = token.substr(!token.empty() && token[0] == '-');
-    if (!digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos)
-      RefuseRange(json, kind);
-    Refuse(Where(json), "expected an integer, found " + std::string(token));
+    const bool leading_zero = digits.size() > 1 && digits[0] == '0';
+    if (!digits.empty() && !leading_zero && digits.find_first_not_of("0123456789") == std::string_view::npos)
+      RefuseRange(json, at, kind);
+    Refuse(at, "expected an integer, found " + std::string(token));
   }
 
-  [[noreturn]] void RefuseRange(od::value& json, std::string_view kind) {
-    Refuse(Where(json), std::string(Trimmed(json.raw_json_token())) + " is out of range for " + std::string(kind));
+  [[noreturn]] void RefuseRange(od::value& json, const char* at, std::string_view kind) {
+    Refuse(at, std::string(Trimmed(json.raw_json_token())) + " is out of range for " + std::string(kind));
   }
 
   // A string, or {"$base64": "..."} for bytes that are not UTF-8.
@@ -594,6 +679,17 @@ class Reader {
   void MergeUnknown(const char* at, const std::string& bytes, protobuf::Message* message) {
     protobuf::UnknownFieldSet fields;
     if (!fields.ParseFromString(bytes)) Refuse(at, "the unknown fields are not protocol-buffer wire bytes");
+    // They stand for fields of a newer schema; one that a parse would read as
+    // a field this schema knows would change the value's meaning once
+    // written as binary. (A known number in another wire type stays unknown
+    // on parse, so it may stand here.)
+    for (int index = 0; index < fields.field_count(); ++index) {
+      const protobuf::UnknownField& field = fields.field(index);
+      if (ReadAsKnown(message->GetDescriptor()->FindFieldByNumber(field.number()), field.type())) {
+        Refuse(at, "the unknown fields hold field " + std::to_string(field.number()) + ", which " +
+                       message->GetDescriptor()->name() + " knows");
+      }
+    }
     MutableUnknown(message)->MergeFrom(fields);
   }
 
@@ -668,15 +764,17 @@ class Reader {
   template <typename T>
   T Take(simdjson::simdjson_result<T>&& result) {
     T value;
-    if (const simdjson::error_code error = std::move(result).get(value)) Refuse(Location(), simdjson::error_message(error));
+    if (const simdjson::error_code error = std::move(result).get(value)) RefuseSyntax(Location(), error);
     return value;
   }
 
   template <typename T>
   T Take(simdjson::simdjson_result<T>&& result, const char* at, const char* expected) {
     T value;
-    if (const simdjson::error_code error = std::move(result).get(value))
-      Refuse(at, error == simdjson::INCORRECT_TYPE ? expected : simdjson::error_message(error));
+    if (const simdjson::error_code error = std::move(result).get(value)) {
+      if (error == simdjson::INCORRECT_TYPE) Refuse(at, expected);
+      RefuseSyntax(at, error);
+    }
     return value;
   }
 
@@ -716,17 +814,29 @@ JsonError ErrorAt(std::string_view json, size_t offset, std::string reason) {
 
 bool Parse(std::string_view json, PropertyNode* root, JsonError* error) {
   thread_local od::parser parser;
-  const simdjson::padded_string padded(json);
+  // A byte-order mark says nothing in UTF-8; editors on some systems write one.
+  const size_t skipped = json.substr(0, 3) == "\xEF\xBB\xBF" ? 3 : 0;
+  const std::string_view body = json.substr(skipped);
+  const simdjson::padded_string padded(body);
   od::document document;
   if (const simdjson::error_code failure = parser.iterate(padded).get(document)) {
-    if (error) *error = ErrorAt(json, json.size(), simdjson::error_message(failure));
+    if (error) *error = ErrorAt(json, json.size(), SyntaxReason(failure));
     return false;
   }
   try {
     Reader(&document, padded.data() + padded.size()).Root(root);
     return true;
   } catch (const Refusal& refusal) {
-    if (error) *error = ErrorAt(json, static_cast<size_t>(refusal.at - padded.data()), refusal.reason);
+    if (error == nullptr) return false;
+    // simdjson notices a missing } or ] wherever its look-ahead stumbles;
+    // the fault is at the end.
+    const int open = refusal.syntax ? OpenAtEnd(body) : 0;
+    if (open != 0) {
+      *error = ErrorAt(json, json.size(),
+                       open < 0 ? "a string is not closed" : "the JSON ends before a closing } or ]");
+    } else {
+      *error = ErrorAt(json, skipped + static_cast<size_t>(refusal.at - padded.data()), refusal.reason);
+    }
     return false;
   }
 }
