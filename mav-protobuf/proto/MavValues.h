@@ -744,6 +744,19 @@ template <typename Fraction = std::nano, typename Target, typename Container,
 void SetArray(Target& target, const Container& values) {
   SetArray<Fraction>(target, std::data(values), std::size(values), detail::OneAxis(std::size(values)));
 }
+// A braced list takes its kind from its elements: {1, 0, 1} is an int32
+// array (a bool never comes from an integer), {true, false} a bool array.
+template <typename Fraction = std::nano, typename Target, typename T,
+          typename = detail::IfTarget<Target>>
+void SetArray(Target& target, std::initializer_list<T> values, const Shape& shape,
+              Order order = Order::kC) {
+  SetArray<Fraction>(target, values.begin(), values.size(), shape, order);
+}
+template <typename Fraction = std::nano, typename Target, typename T,
+          typename = detail::IfTarget<Target>>
+void SetArray(Target& target, std::initializer_list<T> values) {
+  SetArray<Fraction>(target, values.begin(), values.size(), detail::OneAxis(values.size()));
+}
 // std::vector<bool> keeps no contiguous bools.
 template <typename Target, typename = detail::IfTarget<Target>>
 void SetArray(Target& target, const std::vector<bool>& values, const Shape& shape,
