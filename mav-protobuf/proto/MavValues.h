@@ -25,7 +25,7 @@
 // coarser than the fraction rounds down.
 //
 // Arrays. An array holds its elements flat, a shape (one extent per axis,
-// at least one axis, rank at most Shape::kMaxRank) and an order: 'C'
+// at least one axis, any rank) and an order: 'C'
 // (row-major, the default) or 'F' (column-major), NumPy's letters, written
 // into dataorder. An array stored without dimensions reads as
 // one-dimensional, one without dataorder as 'C'. Complex elements are stored
@@ -133,12 +133,13 @@ class MAV_PROTOBUF_EXPORT ValueError : public std::runtime_error {
 
 enum class Order : char { kC = 'C', kF = 'F' };
 
-// The extents of an array, held inline (no allocation).
+// The extents of an array: up to kInlineRank held inline (no allocation),
+// more on the heap, so that any array the wire holds has its shape.
 class MAV_PROTOBUF_EXPORT Shape {
  public:
-  static constexpr size_t kMaxRank = 32;
+  static constexpr size_t kInlineRank = 32;
 
-  constexpr Shape() = default;
+  Shape() = default;
   Shape(std::initializer_list<uint32_t> extents) { Assign(extents.begin(), extents.size()); }
   Shape(const uint32_t* extents, size_t rank) { Assign(extents, rank); }
   explicit Shape(const std::vector<uint32_t>& extents) { Assign(extents.data(), extents.size()); }
@@ -152,10 +153,10 @@ class MAV_PROTOBUF_EXPORT Shape {
   size_t rank() const { return rank_; }
   size_t size() const { return rank_; }
   bool empty() const { return rank_ == 0; }
-  uint32_t operator[](size_t axis) const { return extents_[axis]; }
-  const uint32_t* data() const { return extents_.data(); }
-  const uint32_t* begin() const { return extents_.data(); }
-  const uint32_t* end() const { return extents_.data() + rank_; }
+  uint32_t operator[](size_t axis) const { return data()[axis]; }
+  const uint32_t* data() const { return rank_ <= kInlineRank ? extents_.data() : spilled_.data(); }
+  const uint32_t* begin() const { return data(); }
+  const uint32_t* end() const { return data() + rank_; }
   std::vector<uint32_t> ToVector() const { return {begin(), end()}; }
 
   // The product of the extents (1 for rank 0); throws when it exceeds 64 bits.
@@ -171,7 +172,8 @@ class MAV_PROTOBUF_EXPORT Shape {
  private:
   void Assign(const uint32_t* extents, size_t rank);
 
-  std::array<uint32_t, kMaxRank> extents_{};
+  std::array<uint32_t, kInlineRank> extents_{};
+  std::vector<uint32_t> spilled_;  // the extents when there are more than kInlineRank
   size_t rank_ = 0;
 };
 
