@@ -879,7 +879,9 @@ Array<T> ReadArray(const PropertyNode& root, std::string_view path) {
 
 // The child under `key`, created empty if missing. An empty node becomes a
 // map; a node holding a list or a value, and a key that is not valid UTF-8,
-// are refused.
+// are refused. The child stays even when a later write to it is refused:
+// SetArray(Child(root, "frame"), ...) that fails leaves "frame" as an empty
+// node (SetLeaf, for scalars, creates nothing when it refuses).
 MAV_PROTOBUF_EXPORT PropertyNode& Child(PropertyNode& node, std::string_view key);
 // The list item at `index`; index == size appends. An empty node becomes a
 // list; a node holding a map or a value, and an index past the end, are
