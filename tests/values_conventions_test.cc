@@ -225,6 +225,13 @@ TEST(ValuesKinds, NamesParseBackAndEachTypeHasOneKind) {
   EXPECT_EQ(KindOf(variant), Kind::kBool);
   SetArray(variant, std::vector<bool>{true, false, true});
   EXPECT_EQ(ReadArray<bool>(variant).values, (std::vector<bool>{true, false, true}));
+  // Braced lists: integers stay integers, whatever their values.
+  SetArray(variant, {1, 0, 1});
+  EXPECT_EQ(KindOf(variant), Kind::kInt32);
+  SetArray(variant, {16, 32, 256, 512}, {2, 2}, Order::kF);
+  EXPECT_EQ(ReadArray<int32_t>(variant).values, (std::vector<int32_t>{16, 32, 256, 512}));
+  SetArray(variant, {true, false});
+  EXPECT_EQ(KindOf(variant), Kind::kBool);
   SetValue(variant, "text");
   EXPECT_EQ(KindOf(variant), Kind::kString);
   SetValue(variant, uint8_t{7});

@@ -2,6 +2,8 @@
 // equality of trees.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <cmath>
 #include <tuple>
 
@@ -137,6 +139,19 @@ TEST(ValuesTree, TheVisitorSeesEveryLeafWithPathKindAndShape) {
       {"roi/3", "int32", "()"},
   };
   EXPECT_EQ(seen, expected);
+
+  // Any rank the wire holds has a shape, beyond the inline extents too.
+  PropertyNode deep;
+  const std::vector<uint32_t> extents(40, 1);
+  SetArray(Child(deep, "a"), std::vector<double>{2.5}, Shape(extents));
+  std::string shape;
+  VisitLeaves(deep, [&](const Leaf& leaf) { shape = leaf.shape.ToString(); });
+  EXPECT_EQ(std::count(shape.begin(), shape.end(), 'x'), 39) << shape;
+  const Array<double> read = ReadArray<double>(deep, "a");
+  EXPECT_EQ(read.shape.rank(), 40u);
+  EXPECT_EQ(read.values, std::vector<double>{2.5});
+  Shape copy = read.shape;
+  EXPECT_EQ(copy, Shape(extents));
 }
 
 TEST(ValuesTree, SortedEntriesAndListItems) {

@@ -25,7 +25,7 @@
 // coarser than the fraction rounds down.
 //
 // Arrays. An array holds its elements flat, a shape (one extent per axis,
-// at least one axis, rank at most Shape::kMaxRank) and an order: 'C'
+// at least one axis, any rank) and an order: 'C'
 // (row-major, the default) or 'F' (column-major), NumPy's letters, written
 // into dataorder. An array stored without dimensions reads as
 // one-dimensional, one without dataorder as 'C'. Complex elements are stored
@@ -133,12 +133,13 @@ class MAV_PROTOBUF_EXPORT ValueError : public std::runtime_error {
 
 enum class Order : char { kC = 'C', kF = 'F' };
 
-// The extents of an array, held inline (no allocation).
+// The extents of an array: up to kInlineRank held inline (no allocation),
+// more on the heap, so that any array the wire holds has its shape.
 class MAV_PROTOBUF_EXPORT Shape {
  public:
-  static constexpr size_t kMaxRank = 32;
+  static constexpr size_t kInlineRank = 32;
 
-  constexpr Shape() = default;
+  Shape() = default;
   Shape(std::initializer_list<uint32_t> extents) { Assign(extents.begin(), extents.size()); }
   Shape(const uint32_t* extents, size_t rank) { Assign(extents, rank); }
   explicit Shape(const std::vector<uint32_t>& extents) { Assign(extents.data(), extents.size()); }
@@ -152,10 +153,10 @@ class MAV_PROTOBUF_EXPORT Shape {
   size_t rank() const { return rank_; }
   size_t size() const { return rank_; }
   bool empty() const { return rank_ == 0; }
-  uint32_t operator[](size_t axis) const { return extents_[axis]; }
-  const uint32_t* data() const { return extents_.data(); }
-  const uint32_t* begin() const { return extents_.data(); }
-  const uint32_t* end() const { return extents_.data() + rank_; }
+  uint32_t operator[](size_t axis) const { return data()[axis]; }
+  const uint32_t* data() const { return rank_ <= kInlineRank ? extents_.data() : spilled_.data(); }
+  const uint32_t* begin() const { return data(); }
+  const uint32_t* end() const { return data() + rank_; }
   std::vector<uint32_t> ToVector() const { return {begin(), end()}; }
 
   // The product of the extents (1 for rank 0); throws when it exceeds 64 bits.
@@ -171,7 +172,8 @@ class MAV_PROTOBUF_EXPORT Shape {
  private:
   void Assign(const uint32_t* extents, size_t rank);
 
-  std::array<uint32_t, kMaxRank> extents_{};
+  std::array<uint32_t, kInlineRank> extents_{};
+  std::vector<uint32_t> spilled_;  // the extents when there are more than kInlineRank
   size_t rank_ = 0;
 };
 
@@ -744,6 +746,19 @@ template <typename Fraction = std::nano, typename Target, typename Container,
 void SetArray(Target& target, const Container& values) {
   SetArray<Fraction>(target, std::data(values), std::size(values), detail::OneAxis(std::size(values)));
 }
+// A braced list takes its kind from its elements: {1, 0, 1} is an int32
+// array (a bool never comes from an integer), {true, false} a bool array.
+template <typename Fraction = std::nano, typename Target, typename T,
+          typename = detail::IfTarget<Target>>
+void SetArray(Target& target, std::initializer_list<T> values, const Shape& shape,
+              Order order = Order::kC) {
+  SetArray<Fraction>(target, values.begin(), values.size(), shape, order);
+}
+template <typename Fraction = std::nano, typename Target, typename T,
+          typename = detail::IfTarget<Target>>
+void SetArray(Target& target, std::initializer_list<T> values) {
+  SetArray<Fraction>(target, values.begin(), values.size(), detail::OneAxis(values.size()));
+}
 // std::vector<bool> keeps no contiguous bools.
 template <typename Target, typename = detail::IfTarget<Target>>
 void SetArray(Target& target, const std::vector<bool>& values, const Shape& shape,
@@ -869,7 +884,9 @@ Array<T> ReadArray(const PropertyNode& root, std::string_view path) {
 
 // The child under `key`, created empty if missing. An empty node becomes a
 // map; a node holding a list or a value, and a key that is not valid UTF-8,
-// are refused.
+// are refused. The child stays even when a later write to it is refused:
+// SetArray(Child(root, "frame"), ...) that fails leaves "frame" as an empty
+// node (SetLeaf, for scalars, creates nothing when it refuses).
 MAV_PROTOBUF_EXPORT PropertyNode& Child(PropertyNode& node, std::string_view key);
 // The list item at `index`; index == size appends. An empty node becomes a
 // list; a node holding a map or a value, and an index past the end, are

@@ -75,6 +75,14 @@ grep -q '^ключ: str "значение"$' shown || fail "show prints UTF-8 te
 grep -q 'max 18446744073709551615 ' shown || fail "show prints 64-bit extremes exactly"
 grep -q 'mean nan$' shown || fail "show prints NaN as nan"
 
+# check lists values the model cannot read as warnings; --strict fails on them.
+printf '{"a": {"$int8": 300, "widened": true}, "b": {"$empty": null}, "ok": 1.0}' >odd.json
+"$mav" encode odd.json -o odd.mav || fail "encode odd.json"
+expect 0 "" "$mav" check odd.mav
+[ "$(grep '^warning: ' stdout)" = $'warning: a: int8 value outside its range\nwarning: b: a value with no member' ] ||
+  fail "check lists unreadable values: $(cat stdout)"
+expect 1 "^mav: odd.mav: 2 value\(s\) cannot be read as the model says; the first at a: " "$mav" check --strict odd.mav
+
 # Pipes: binary to JSON to binary through stdin and stdout, byte for byte.
 "$mav" json - <"$sample" | "$mav" encode - | cmp -s - "$sample" || fail "json | encode does not give the sample back"
 "$mav" json "$sample" -o sample.json && "$mav" encode sample.json -o again.mav && cmp -s again.mav "$sample" ||

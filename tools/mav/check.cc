@@ -1,7 +1,11 @@
 #include "check.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <map>
+#include <optional>
+#include <vector>
 
 #include "MavValues.h"
 
@@ -10,6 +14,56 @@ namespace {
 
 using namespace Tarnwick::MavProtobuf;
 
+constexpr uint64_t kNanosPerSecond = 1000000000;
+
+bool FractionsBelowOneSecond(const ArrayChronoData& times) {
+  for (const ChronoData& time : times.chrono_content()) {
+    if (time.fractional_content() >= kNanosPerSecond) return false;
+  }
+  return true;
+}
+
+template <typename Narrow, typename Stored>
+bool Fits(Stored value) {
+  return value >= static_cast<Stored>(std::numeric_limits<Narrow>::min()) &&
+         value <= static_cast<Stored>(std::numeric_limits<Narrow>::max());
+}
+template <typename Narrow, typename Stored>
+bool AllFit(const google::protobuf::RepeatedField<Stored>& values) {
+  return std::all_of(values.begin(), values.end(), [](Stored value) { return Fits<Narrow>(value); });
+}
+
+// Why a well-formed value cannot be read as the model says, or nothing.
+std::optional<std::string> Unreadable(const KVariant& value) {
+  const std::optional<Kind> kind = KindOf(value);
+  if (!kind) return std::string("a value with no member");
+  if (FormOf(value) == Form::kScalar) {
+    const ScalarDataUnion& scalar = value.scalar_data();
+    const bool fits = *kind == Kind::kInt8    ? Fits<int8_t>(scalar.int8_content())
+                      : *kind == Kind::kInt16 ? Fits<int16_t>(scalar.int16_content())
+                      : *kind == Kind::kUInt8 ? Fits<uint8_t>(scalar.unsignedint8_content())
+                      : *kind == Kind::kUInt16 ? Fits<uint16_t>(scalar.unsignedint16_content())
+                                               : true;
+    if (!fits) return std::string(KindName(*kind)) + " value outside its range";
+    const bool late = (*kind == Kind::kDuration && scalar.duration_content().fractional_content() >= kNanosPerSecond) ||
+                      (*kind == Kind::kTimePoint && scalar.timepoint_content().fractional_content() >= kNanosPerSecond);
+    if (late) return std::string("a time fraction of one second or more");
+    return std::nullopt;
+  }
+  const ArrayDataUnion& array = value.array_data();
+  if (!ShapeMatches(value)) return std::string("a shape that does not match the elements stored");
+  if (!ParseOrder(array.dataorder()) && !array.dataorder().empty()) return std::string("an unknown data order");
+  const bool fits = *kind == Kind::kInt16    ? AllFit<int16_t>(array.int16_content().int16_content())
+                    : *kind == Kind::kUInt16 ? AllFit<uint16_t>(array.unsignedint16_content().unsignedint16_content())
+                                             : true;
+  if (!fits) return std::string(KindName(*kind)) + " element outside its range";
+  const bool times_fit = *kind == Kind::kDuration    ? FractionsBelowOneSecond(array.duration_content())
+                         : *kind == Kind::kTimePoint ? FractionsBelowOneSecond(array.timepoint_content())
+                                                     : true;
+  if (!times_fit) return std::string("a time fraction of one second or more");
+  return std::nullopt;
+}
+
 struct Tally {
   size_t maps = 0, lists = 0, values = 0, empty = 0, max_depth = 0;
   struct PerKind {
@@ -17,18 +71,28 @@ struct Tally {
     uint64_t bytes = 0;
   };
   std::map<std::string, PerKind> kinds;
+  std::vector<std::string> warnings;
+  std::string path;
 
   void Node(const PropertyNode& node, size_t depth) {
     max_depth = std::max(max_depth, depth);
+    const size_t length = path.size();
+    const auto descend = [&](const std::string& step, const PropertyNode& child) {
+      path += (length == 0 ? "" : "/") + step;
+      Node(child, depth + 1);
+      path.resize(length);
+    };
     switch (node.type_case()) {
       case PropertyNode::kMapType:
         ++maps;
-        for (const auto& [key, child] : node.map_type().map_data()) Node(child, depth + 1);
+        for (const auto& [key, child] : node.map_type().map_data()) descend(PathSegment(key), child);
         break;
-      case PropertyNode::kListType:
+      case PropertyNode::kListType: {
         ++lists;
-        for (const PropertyNode& child : node.list_type().list_data()) Node(child, depth + 1);
+        size_t index = 0;
+        for (const PropertyNode& child : node.list_type().list_data()) descend(std::to_string(index++), child);
         break;
+      }
       case PropertyNode::kValueType: Value(node.value_type()); break;
       case PropertyNode::TYPE_NOT_SET: ++empty; break;
     }
@@ -40,14 +104,19 @@ struct Tally {
     PerKind& counts = kinds[kind ? std::string(KindName(*kind)) : "(none)"];
     (FormOf(value) == Form::kArray ? counts.arrays : counts.scalars) += 1;
     counts.bytes += value.ByteSizeLong();
+    if (const auto problem = Unreadable(value)) {
+      warnings.push_back((path.empty() ? std::string("(root)") : path) + ": " + *problem);
+    }
   }
 };
 
 }  // namespace
 
-std::string CheckReport(const PropertyNode& root) {
+std::string CheckReport(const PropertyNode& root, std::vector<std::string>* warnings) {
   Tally tally;
   tally.Node(root, 0);
+  *warnings = std::move(tally.warnings);
+  std::sort(warnings->begin(), warnings->end());  // not in the maps' hash order
   char line[160];
   std::string report;
   std::snprintf(line, sizeof(line), "nodes %zu: maps %zu, lists %zu, values %zu, empty %zu; maximum depth %zu\n",

@@ -81,9 +81,21 @@ void Text(const Request& request) {
   });
 }
 
+// Values that cannot be read as the model says are listed as warnings after
+// the report; with --strict the first one fails the command.
 void Check(const Request& request) {
   Convert(request, [&](const PropertyNode& tree, size_t record, const Input& input) {
-    return RecordHeading(request, record) + input.name() + ": valid\n" + CheckReport(tree);
+    std::vector<std::string> warnings;
+    const std::string report = CheckReport(tree, &warnings);
+    if (request.strict && !warnings.empty()) {
+      const std::string where = request.delimited ? "record " + std::to_string(record) + ": " : "";
+      throw Failure(input.name(), where + std::to_string(warnings.size()) +
+                                      " value(s) cannot be read as the model says; the first at " +
+                                      warnings.front());
+    }
+    std::string text = RecordHeading(request, record) + input.name() + ": valid\n" + report;
+    for (const std::string& warning : warnings) text += "warning: " + warning + "\n";
+    return text;
   });
 }
 

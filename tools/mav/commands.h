@@ -12,6 +12,7 @@ struct Request {
   bool delimited = false;  // a sequence of length-delimited records (JSON Lines for JSON)
   std::string path;        // show --path, get PATH
   int depth = -1;          // show --depth
+  bool strict = false;     // check --strict
 };
 
 // Each throws Failure for anything that goes wrong.

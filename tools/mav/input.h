@@ -15,7 +15,8 @@ class Input {
   static constexpr uint64_t kMessageLimit = (uint64_t{2} << 30) - 1;
 
   // Opens `path` ("-" is standard input). When the input is one message,
-  // an input over kMessageLimit is refused before anything is read.
+  // an input over kMessageLimit is refused: a file before anything is read,
+  // a pipe as soon as a byte past the limit arrives.
   Input(const std::string& path, bool one_message);
   ~Input();
   Input(const Input&) = delete;
@@ -27,13 +28,14 @@ class Input {
 
  private:
   void Map(int fd, uint64_t size);
-  void ReadAll(int fd);
+  // Reads to the end or until `most` bytes are in; says how many are.
+  uint64_t ReadAll(int fd, uint64_t most);
 
   std::string name_;
   const char* data_ = "";
   size_t size_ = 0;
   void* mapping_ = nullptr;
-  std::string buffer_;
+  char* buffer_ = nullptr;  // what was read, when not mapped
 };
 
 }  // namespace mav_tool

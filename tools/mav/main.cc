@@ -80,7 +80,11 @@ int main(int argc, char** argv) {
   add("json", "Print the natural JSON form", mav_tool::Json, kTree);
   add("encode", "Turn the natural JSON form into deterministic wire bytes", mav_tool::Encode, "A JSON file");
   add("text", "Print the runtime's text format", mav_tool::Text, kTree);
-  add("check", "Parse, then count nodes, leaves and bytes per kind (exit 1 if not valid)", mav_tool::Check, kTree);
+  CLI::App* check = add("check", "Parse, then count nodes, leaves and bytes per kind (exit 1 if not valid)",
+                        mav_tool::Check, kTree);
+  check->add_flag("--strict", request.strict,
+                  "Also fail (exit 1) on values that are well formed but cannot be read as the model says; "
+                  "without it they are listed as warnings");
 
   const auto is_command = [&app](const std::string& word) {
     return !app.get_subcommands([&word](const CLI::App* sub) { return sub->check_name(word); }).empty();

@@ -12,10 +12,11 @@ using values_internal::Fail;
 using values_internal::Where;
 
 void Shape::Assign(const uint32_t* extents, size_t rank) {
-  if (rank > kMaxRank) {
-    Fail("rank " + std::to_string(rank) + " exceeds the maximum of " + std::to_string(kMaxRank));
+  if (rank <= kInlineRank) {
+    std::copy(extents, extents + rank, extents_.begin());
+  } else {
+    spilled_.assign(extents, extents + rank);
   }
-  std::copy(extents, extents + rank, extents_.begin());
   rank_ = rank;
 }
 

@@ -24,7 +24,7 @@ std::string Describe(const PropertyNode& node);
 [[noreturn]] void Fail(const std::string& message);
 
 // The dimensions of an array, or its element count as one axis when it has
-// none. Refuses a rank above Shape::kMaxRank.
+// none.
 Shape StoredShape(const ArrayDataUnion& array);
 // dataorder read as an order: empty is 'C'; nothing for unknown text.
 std::optional<Order> StoredOrder(const ArrayDataUnion& array);
