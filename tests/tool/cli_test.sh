@@ -58,13 +58,14 @@ expect 1 "truncated.mav" "$mav" json truncated.mav -o kept.mav
 [ "$(cat kept.mav)" = old ] || fail "a failed -o changed the existing target"
 
 # -o replaces a regular file through a symbolic link, keeping its mode, and
-# writes anything else (/dev/null, a FIFO) in place.
+# writes anything else (here a FIFO of our own) in place. The test never aims
+# at a system node: a broken -o run as root would replace it.
 echo old >private.mav && chmod 600 private.mav && ln -s private.mav link.mav
 "$mav" json "$sample" -o sample.json && "$mav" encode sample.json -o link.mav || fail "-o through a link"
 [ -L link.mav ] && cmp -s private.mav "$sample" || fail "-o replaces the file a link points to"
 [ "$(stat -c %a private.mav)" = 600 ] || fail "-o keeps the replaced file's mode"
-expect 0 "" "$mav" check "$sample" -o /dev/null
-[ -c /dev/null ] || fail "-o /dev/null replaced the device"
+chmod 4755 private.mav && "$mav" encode sample.json -o private.mav &&
+  [ "$(stat -c %a private.mav)" = 4755 ] || fail "-o keeps the set-user bit"
 mkfifo pipe && { cat pipe >from-pipe & } && "$mav" json "$sample" -o pipe && wait
 [ -p pipe ] && cmp -s from-pipe sample.json || fail "-o writes a FIFO in place"
 

@@ -123,14 +123,16 @@ void Output::CommitReplacement() {
   struct stat old;
   const bool replacing = stat(target_.c_str(), &old) == 0;
   const int fd = fileno(file_);
-  const bool written = std::fflush(file_) == 0 &&
-                 fchmod(fd, replacing ? old.st_mode & 07777 : UmaskedMode()) == 0;
-  int error = errno;
-  if (written && replacing && fchown(fd, old.st_uid, old.st_gid) != 0) {
+  // Owner first: a change of owner clears the set-user and set-group bits,
+  // which the mode then restores.
+  if (replacing && fchown(fd, old.st_uid, old.st_gid) != 0) {
     // Only root may give a file away; others keep at least its group if
     // they may.
     (void)!fchown(fd, static_cast<uid_t>(-1), old.st_gid);
   }
+  const bool written = std::fflush(file_) == 0 &&
+                       fchmod(fd, replacing ? old.st_mode & 07777 : UmaskedMode()) == 0;
+  int error = errno;
   owns_file_ = false;
   const bool closed = std::fclose(file_) == 0;
   if (written && !closed) error = errno;
