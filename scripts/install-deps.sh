@@ -6,7 +6,7 @@ packages=(cmake g++ make pkg-config dpkg-dev file
           libprotobuf-dev protobuf-compiler libprotoc-dev
           libgtest-dev libgmock-dev libbenchmark-dev
           libsimdjson-dev libcli11-dev libmimalloc-dev
-          clang-14 libclang-rt-14-dev python3)
+          clang-14 libclang-rt-14-dev python3 lintian)
 missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" ||
