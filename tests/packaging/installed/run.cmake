@@ -16,7 +16,7 @@ if(WITH_TOOL)
   execute_process(COMMAND ${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build-without-tool
                           -DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix -DWITH_TOOL=ON
                   RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  if(status EQUAL 0 OR NOT output MATCHES "install the Debian package mav-tools")
+  if(status EQUAL 0 OR NOT output MATCHES "package[ \n]+mav-tools")
     message(FATAL_ERROR "find_package(MavProtobuf COMPONENTS mav) without the tool:\n${output}")
   endif()
 endif()
