@@ -6,7 +6,7 @@ packages=(cmake g++ make pkg-config dpkg-dev file
           libprotobuf-dev protobuf-compiler libprotoc-dev
           libgtest-dev libgmock-dev libbenchmark-dev
           libsimdjson-dev libcli11-dev libmimalloc-dev
-          clang-14 libclang-rt-14-dev python3
+          clang-14 libclang-rt-14-dev python3 lintian
           python3-dev python3-numpy pybind11-dev python3-pytest python3-dask python3-distributed)
 missing=()
 for package in "${packages[@]}"; do

@@ -2,6 +2,8 @@
 // survives a round trip through bytes.
 #include <cstdio>
 
+// The documented include form, which must work from any prefix.
+#include "MavValues.h"
 #include "consumer.pb.h"
 
 int main() {
