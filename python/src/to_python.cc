@@ -12,6 +12,7 @@
 #include <optional>
 #include <vector>
 
+#include "MavValues.h"
 #include "convert.h"
 
 namespace mavpy {
@@ -78,14 +79,8 @@ std::optional<int64_t> Nanoseconds(const ChronoData& time) {
 }
 
 template <typename Narrow, typename Wide>
-bool Fits(Wide value) {
-  return value >= static_cast<Wide>(std::numeric_limits<Narrow>::min()) &&
-         value <= static_cast<Wide>(std::numeric_limits<Narrow>::max());
-}
-
-template <typename Narrow, typename Wide>
 std::optional<py::object> NarrowScalar(Wide value, py::handle type) {
-  if (!Fits<Narrow>(value)) return std::nullopt;
+  if (!detail::InRange<Narrow>(value)) return std::nullopt;
   return type(value);
 }
 
@@ -208,7 +203,7 @@ py::object NarrowArray(const google::protobuf::RepeatedField<Wide>& values,
   const Wide* data = values.data();
   return Converted<Narrow>(values.size(), array, dtype, [data](size_t at, Narrow* out) {
     *out = static_cast<Narrow>(data[at]);
-    return Fits<Narrow>(data[at]);
+    return detail::InRange<Narrow>(data[at]);
   });
 }
 

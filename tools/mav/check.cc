@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <limits>
 #include <map>
 #include <optional>
 #include <vector>
@@ -23,14 +22,11 @@ bool FractionsBelowOneSecond(const ArrayChronoData& times) {
   return true;
 }
 
-template <typename Narrow, typename Stored>
-bool Fits(Stored value) {
-  return value >= static_cast<Stored>(std::numeric_limits<Narrow>::min()) &&
-         value <= static_cast<Stored>(std::numeric_limits<Narrow>::max());
-}
+using Tarnwick::MavProtobuf::detail::InRange;
+
 template <typename Narrow, typename Stored>
 bool AllFit(const google::protobuf::RepeatedField<Stored>& values) {
-  return std::all_of(values.begin(), values.end(), [](Stored value) { return Fits<Narrow>(value); });
+  return std::all_of(values.begin(), values.end(), [](Stored value) { return InRange<Narrow>(value); });
 }
 
 // Why a well-formed value cannot be read as the model says, or nothing.
@@ -39,10 +35,10 @@ std::optional<std::string> Unreadable(const KVariant& value) {
   if (!kind) return std::string("a value with no member");
   if (FormOf(value) == Form::kScalar) {
     const ScalarDataUnion& scalar = value.scalar_data();
-    const bool fits = *kind == Kind::kInt8    ? Fits<int8_t>(scalar.int8_content())
-                      : *kind == Kind::kInt16 ? Fits<int16_t>(scalar.int16_content())
-                      : *kind == Kind::kUInt8 ? Fits<uint8_t>(scalar.unsignedint8_content())
-                      : *kind == Kind::kUInt16 ? Fits<uint16_t>(scalar.unsignedint16_content())
+    const bool fits = *kind == Kind::kInt8    ? InRange<int8_t>(scalar.int8_content())
+                      : *kind == Kind::kInt16 ? InRange<int16_t>(scalar.int16_content())
+                      : *kind == Kind::kUInt8 ? InRange<uint8_t>(scalar.unsignedint8_content())
+                      : *kind == Kind::kUInt16 ? InRange<uint16_t>(scalar.unsignedint16_content())
                                                : true;
     if (!fits) return std::string(KindName(*kind)) + " value outside its range";
     const bool late = (*kind == Kind::kDuration && scalar.duration_content().fractional_content() >= kNanosPerSecond) ||
