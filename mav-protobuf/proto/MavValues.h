@@ -240,6 +240,12 @@ namespace detail {
 // An empty `path` names no path.
 [[noreturn]] MAV_PROTOBUF_EXPORT void ThrowKindMismatch(std::string_view path, Kind expected,
                                                         Form expected_form, const KVariant& found);
+[[noreturn]] MAV_PROTOBUF_EXPORT void ThrowKindMismatch(std::string_view path, Kind expected,
+                                                        Form expected_form, std::optional<Kind> found,
+                                                        Form found_form);
+[[noreturn]] MAV_PROTOBUF_EXPORT void ThrowShapeMismatch(std::string_view path, const Shape& dimensions,
+                                                         size_t stored, Kind kind);
+[[noreturn]] MAV_PROTOBUF_EXPORT void ThrowUnknownOrder(std::string_view path, std::string_view letter);
 [[noreturn]] MAV_PROTOBUF_EXPORT void ThrowOutOfRange(std::string_view path, Kind kind,
                                                       long double value, std::optional<size_t> index);
 [[noreturn]] MAV_PROTOBUF_EXPORT void ThrowBadFraction(std::string_view path, uint64_t fraction,

@@ -26,14 +26,40 @@ std::string Describe(const KVariant& value) {
   return kind ? Describe(*kind, FormOf(value)) : "nothing";
 }
 
-std::string Describe(const PropertyNode& node) {
-  switch (node.type_case()) {
+
+std::string Describe(const PropertyNode& node) { return DescribeNode(node.type_case()); }
+
+std::string DescribeNode(int member) {
+  switch (member) {
     case PropertyNode::kMapType: return "a map";
     case PropertyNode::kListType: return "a list";
     case PropertyNode::kValueType: return "a value";
-    case PropertyNode::TYPE_NOT_SET: break;
+    default: break;
   }
   return "an empty node";
+}
+
+std::string Unescape(std::string_view raw) {
+  std::string step;
+  step.reserve(raw.size());
+  for (size_t i = 0; i < raw.size(); ++i) {
+    if (raw[i] == '~' && i + 1 < raw.size() && (raw[i + 1] == '0' || raw[i + 1] == '1')) {
+      step += raw[++i] == '0' ? '~' : '/';
+    } else {
+      step += raw[i];
+    }
+  }
+  return step;
+}
+
+std::optional<size_t> ParseIndex(std::string_view text) {
+  if (text.empty() || text.size() > 10 || (text.size() > 1 && text.front() == '0')) return std::nullopt;
+  size_t index = 0;
+  for (char digit : text) {
+    if (digit < '0' || digit > '9') return std::nullopt;
+    index = index * 10 + static_cast<size_t>(digit - '0');
+  }
+  return index;
 }
 
 void Fail(const std::string& message) { throw ValueError(message); }
@@ -47,8 +73,24 @@ using values_internal::Where;
 
 void ThrowKindMismatch(std::string_view path, Kind expected, Form expected_form,
                        const KVariant& found) {
+  ThrowKindMismatch(path, expected, expected_form, KindOf(found), FormOf(found));
+}
+
+void ThrowKindMismatch(std::string_view path, Kind expected, Form expected_form,
+                       std::optional<Kind> found, Form found_form) {
   Fail(Where(path) + "expected " + values_internal::Describe(expected, expected_form) + ", found " +
-       values_internal::Describe(found));
+       (found ? values_internal::Describe(*found, found_form) : "nothing"));
+}
+
+void ThrowShapeMismatch(std::string_view path, const Shape& dimensions, size_t stored, Kind kind) {
+  const bool complex = kind == Kind::kComplex64 || kind == Kind::kComplex128;
+  Fail(Where(path) + "shape " + dimensions.ToString() + " does not match the " +
+       std::to_string(stored) + " elements stored" +
+       (complex ? " (complex arrays store two parts per element)" : ""));
+}
+
+void ThrowUnknownOrder(std::string_view path, std::string_view letter) {
+  Fail(Where(path) + "unknown data order '" + std::string(letter) + "' (expected 'C' or 'F')");
 }
 
 void ThrowOutOfRange(std::string_view path, Kind kind, long double value,

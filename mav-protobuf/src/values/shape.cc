@@ -131,15 +131,10 @@ const ArrayDataUnion& RequireArray(const KVariant& value, Kind kind, std::string
   }
   const ArrayDataUnion& array = value.array_data();
   if (!ShapeMatches(value)) {
-    const bool complex = kind == Kind::kComplex64 || kind == Kind::kComplex128;
-    Fail(Where(path) + "shape " + Shape(array.dimensions()).ToString() +
-         " does not match the " + std::to_string(StoredElementCount(array)) + " elements stored" +
-         (complex ? " (complex arrays store two parts per element)" : ""));
+    ThrowShapeMismatch(path, Shape(array.dimensions()), StoredElementCount(array), kind);
   }
   const std::optional<Order> stored_order = values_internal::StoredOrder(array);
-  if (!stored_order) {
-    Fail(Where(path) + "unknown data order '" + array.dataorder() + "' (expected 'C' or 'F')");
-  }
+  if (!stored_order) ThrowUnknownOrder(path, array.dataorder());
   *shape = values_internal::StoredShape(array);
   *order = *stored_order;
   return array;

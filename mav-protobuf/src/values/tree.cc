@@ -13,30 +13,8 @@ using values_internal::Fail;
 
 namespace {
 
-// One step of a path with "~0" and "~1" turned back into '~' and '/'.
-std::string Unescape(std::string_view raw) {
-  std::string step;
-  step.reserve(raw.size());
-  for (size_t i = 0; i < raw.size(); ++i) {
-    if (raw[i] == '~' && i + 1 < raw.size() && (raw[i + 1] == '0' || raw[i + 1] == '1')) {
-      step += raw[++i] == '0' ? '~' : '/';
-    } else {
-      step += raw[i];
-    }
-  }
-  return step;
-}
-
-// Canonical decimal only: "01" names no item, so that each item has one path.
-std::optional<size_t> ParseIndex(std::string_view text) {
-  if (text.empty() || text.size() > 10 || (text.size() > 1 && text.front() == '0')) return std::nullopt;
-  size_t index = 0;
-  for (char digit : text) {
-    if (digit < '0' || digit > '9') return std::nullopt;
-    index = index * 10 + static_cast<size_t>(digit - '0');
-  }
-  return index;
-}
+using values_internal::ParseIndex;
+using values_internal::Unescape;
 
 // The child named by `step`, or why there is none.
 const PropertyNode* Step(const PropertyNode& node, const std::string& step, std::string* why) {

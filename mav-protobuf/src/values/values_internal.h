@@ -20,6 +20,13 @@ std::string Describe(Kind kind, Form form);
 std::string Describe(const KVariant& value);
 // "a map", "a list", "a value", "an empty node".
 std::string Describe(const PropertyNode& node);
+// The same for a node's member number (0 for none).
+std::string DescribeNode(int member);
+
+// One step of a path with "~0" and "~1" turned back into '~' and '/'.
+std::string Unescape(std::string_view raw);
+// Canonical decimal only: "01" names no item, so that each item has one path.
+std::optional<size_t> ParseIndex(std::string_view text);
 
 [[noreturn]] void Fail(const std::string& message);
 
