@@ -105,6 +105,18 @@ expect 1 "^mav: bad.jsonl: line 2, column" "$mav" encode --delimited bad.jsonl
 expect 1 "^mav: .*: nothing at the path \"no/such\"$" "$mav" get "$sample" no/such
 expect 0 "" "$mav" check "$sample"
 grep -q "valid" stdout && grep -q "uint16" stdout || fail "check reports the kinds"
+[ "$("$mav" get --delimited records.mav n)" = $'1\n2' ] || fail "get --delimited reads each record"
+# get and show --path read only the bytes on their way: a tree whose entry b
+# holds an overlong varint still gives entry a, and check --quick sees it.
+printf '\x0a\x2e\x0a\x12\x0a\x01a\x12\x0d\x1a\x0b\x0a\x09\x19\x00\x00\x00\x00\x00\x00\xf8\x3f'\
+'\x0a\x18\x0a\x01b\x12\x13\x1a\x11\x12\x0f\x3a\x0d\x0a\x0b\xff\xff\xff\xff\xff\xff\xff\xff\xff\xff\x01' >bad-b.mav
+[ "$("$mav" get bad-b.mav a)" = 1.5 ] || fail "get reads a value beside a malformed one"
+expect 1 "^mav: bad-b.mav: the input is not a valid property tree" "$mav" get bad-b.mav b
+expect 1 "^mav: bad-b.mav: the input is not a valid property tree" "$mav" check --quick bad-b.mav
+expect 1 "^mav: bad-b.mav: the input is not a valid property tree" "$mav" check bad-b.mav
+"$mav" encode <(echo '{"a":1.5}') -o two.mav
+expect 0 "" "$mav" check --quick two.mav
+[ "$(cat stdout)" = "two.mav: valid" ] || fail "check --quick says valid"
 
 # show picks a part of the tree and a depth; text is the runtime's format.
 [ "$("$mav" show "$sample" --depth 1 | grep -c '^ ')" = 0 ] || fail "show --depth 1 shows one level"

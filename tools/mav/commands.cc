@@ -4,6 +4,7 @@
 
 #include "MavJson.h"
 #include "MavValues.h"
+#include "MavView.h"
 #include "check.h"
 #include "failure.h"
 #include "input.h"
@@ -20,14 +21,30 @@ std::string RecordHeading(const Request& request, size_t record) {
   return request.delimited ? "record " + std::to_string(record) + ":\n" : "";
 }
 
-const PropertyNode& NodeAt(const PropertyNode& root, const Request& request, const Input& input,
-                           size_t record) {
-  const PropertyNode* node = Find(root, request.path);
-  if (node == nullptr) {
-    const std::string where = request.delimited ? "record " + std::to_string(record) + ": " : "";
-    throw Failure(input.name(), where + "nothing at the path \"" + request.path + "\"");
-  }
-  return *node;
+// The node at the request's path in each tree of the input, read through a
+// view: only the bytes on the way to it are read, and only the node itself is
+// parsed, so a value is found in a large file without reading the rest.
+template <typename Render>
+void ConvertAtPath(const Request& request, Render&& render) {
+  const Input input(request.file, !request.delimited);
+  Output output(request.output);
+  ForEachTreeBytes(input, request.delimited, [&](std::string_view bytes, size_t record) {
+    const std::string where = request.delimited ? "record " + std::to_string(record) : "the input";
+    PropertyNode node;
+    bool found = false;
+    ReadThroughView(input, where, [&] {
+      if (const std::optional<NodeView> at = NodeView(bytes).Find(request.path)) {
+        at->CopyTo(&node);
+        found = true;
+      }
+    });
+    if (!found) {
+      throw Failure(input.name(), (request.delimited ? where + ": " : "") + "nothing at the path \"" +
+                                      request.path + "\"");
+    }
+    output.Write(render(node, record, input));
+  });
+  output.Commit();
 }
 
 std::string JsonOf(const PropertyNode& node, bool pretty, const Input& input) {
@@ -52,14 +69,18 @@ void Convert(const Request& request, Render&& render) {
 }  // namespace
 
 void Show(const Request& request) {
-  Convert(request, [&](const PropertyNode& tree, size_t record, const Input& input) {
-    return RecordHeading(request, record) + ShowTree(NodeAt(tree, request, input, record), request.depth);
+  if (!request.path.empty()) {
+    return ConvertAtPath(request, [&](const PropertyNode& node, size_t record, const Input&) {
+      return RecordHeading(request, record) + ShowTree(node, request.depth);
+    });
+  }
+  Convert(request, [&](const PropertyNode& tree, size_t record, const Input&) {
+    return RecordHeading(request, record) + ShowTree(tree, request.depth);
   });
 }
 
 void Get(const Request& request) {
-  Convert(request, [&](const PropertyNode& tree, size_t record, const Input& input) -> std::string {
-    const PropertyNode& node = NodeAt(tree, request, input, record);
+  ConvertAtPath(request, [&](const PropertyNode& node, size_t, const Input& input) -> std::string {
     if (!node.has_value_type()) return JsonOf(node, true, input) + "\n";
     const KVariant& value = node.value_type();
     if (value.has_array_data()) return ArrayText(value.array_data(), '\n');
@@ -84,6 +105,16 @@ void Text(const Request& request) {
 // Values that cannot be read as the model says are listed as warnings after
 // the report; with --strict the first one fails the command.
 void Check(const Request& request) {
+  if (request.quick) {
+    const Input input(request.file, !request.delimited);
+    Output output(request.output);
+    ForEachTreeBytes(input, request.delimited, [&](std::string_view bytes, size_t record) {
+      ReadThroughView(input, request.delimited ? "record " + std::to_string(record) : "the input",
+                      [&] { NodeView(bytes).Validate(); });
+      output.Write(RecordHeading(request, record) + input.name() + ": valid\n");
+    });
+    return output.Commit();
+  }
   Convert(request, [&](const PropertyNode& tree, size_t record, const Input& input) {
     std::vector<std::string> warnings;
     const std::string report = CheckReport(tree, &warnings);

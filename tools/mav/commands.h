@@ -13,6 +13,7 @@ struct Request {
   std::string path;        // show --path, get PATH
   int depth = -1;          // show --depth
   bool strict = false;     // check --strict
+  bool quick = false;      // check --quick
 };
 
 // Each throws Failure for anything that goes wrong.

@@ -85,6 +85,10 @@ int main(int argc, char** argv) {
   check->add_flag("--strict", request.strict,
                   "Also fail (exit 1) on values that are well formed but cannot be read as the model says; "
                   "without it they are listed as warnings");
+  check->add_flag("--quick", request.quick,
+                  "Only check that the input parses, reading it in place without building the tree "
+                  "(no counts, no warnings)");
+  check->get_option("--quick")->excludes("--strict");
 
   const auto is_command = [&app](const std::string& word) {
     return !app.get_subcommands([&word](const CLI::App* sub) { return sub->check_name(word); }).empty();

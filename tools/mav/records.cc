@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <climits>
 
+#include "MavView.h"
 #include "failure.h"
 #include "progress.h"
 
@@ -84,6 +85,9 @@ size_t TopLevelMembers(std::string_view bytes) {
   return members;
 }
 
+constexpr char kJoinedTrees[] =
+    "holds several trees one after another (joined files?); a sequence of records needs --delimited";
+
 // The runtime reads a record's length as 32 bits and drops the rest, so a
 // prefix that does not fit would pass as a smaller one. Truncated or overlong
 // prefixes are left to the parse, which refuses them.
@@ -111,7 +115,7 @@ void ForEachTree(const Input& input, bool delimited, const std::function<void(Pr
   if (!delimited) {
     if (!tree.ParseFromZeroCopyStream(&stream)) throw Failure(input.name(), ParseProblem("the input"));
     if (TopLevelMembers(bytes) > 1)
-      throw Failure(input.name(), "holds several trees one after another (joined files?); a sequence of records needs --delimited");
+      throw Failure(input.name(), kJoinedTrees);
     progress.Clear();
     return visit(tree, 0);
   }
@@ -125,6 +129,43 @@ void ForEachTree(const Input& input, bool delimited, const std::function<void(Pr
     }
     progress.Clear();
     visit(tree, record);
+  }
+}
+
+void ForEachTreeBytes(const Input& input, bool delimited,
+                      const std::function<void(std::string_view, size_t)>& visit) {
+  const std::string_view bytes = input.bytes();
+  if (!delimited) {
+    if (TopLevelMembers(bytes) > 1) throw Failure(input.name(), kJoinedTrees);
+    return visit(bytes, 0);
+  }
+  size_t at = 0;
+  for (size_t record = 0; at < bytes.size(); ++record) {
+    CheckLengthPrefix(bytes, at, input, record);
+    uint64_t length = 0;
+    bool ended = false;
+    for (int shift = 0; shift < 64 && !ended && at < bytes.size(); shift += 7) {
+      const auto byte = static_cast<uint8_t>(bytes[at++]);
+      length |= static_cast<uint64_t>(byte & 0x7F) << shift;
+      ended = byte < 0x80;
+    }
+    if (!ended || length > bytes.size() - at) {
+      throw Failure(input.name(), ParseProblem(("record " + std::to_string(record)).c_str()));
+    }
+    visit(bytes.substr(at, static_cast<size_t>(length)), record);
+    at += static_cast<size_t>(length);
+  }
+}
+
+void ReadThroughView(const Input& input, const std::string& what, const std::function<void()>& read) {
+  LogCapture log;
+  try {
+    read();
+  } catch (const Tarnwick::MavProtobuf::DecodeError& error) {
+    if (std::string_view(error.what()).find("UTF-8") != std::string_view::npos) {
+      LogCapture::Last() = error.what();
+    }
+    throw Failure(input.name(), ParseProblem(what.c_str()));
   }
 }
 
