@@ -244,9 +244,10 @@ class MAV_PROTOBUF_EXPORT ValueView {
   // alignment (complex: re, im, re, im, ...). Refuses as ViewArray.
   std::string_view ArrayBytes(Kind kind) const;
   // Copies a numeric, bool or complex array into the caller's buffer of
-  // `capacity` elements; varints are decoded a whole run at a time, 16-bit
-  // kinds range-checked. Refused when the buffer is too small; a refusal
-  // writes nothing.
+  // `capacity` elements; varints are decoded a whole run at a time, straight
+  // into the buffer, 16-bit kinds range-checked as they go. Refused when the
+  // buffer is too small (nothing written) and when an element does not fit
+  // (the buffer then holds part of the array).
   template <typename T>
   ArrayView<T> CopyArray(T* out, size_t capacity) const;
   // An array of any kind, copied: text as std::string or std::string_view
@@ -269,10 +270,11 @@ class MAV_PROTOBUF_EXPORT ValueView {
   bool LoadScalar(const view_detail::Span& scalar);
   bool LoadArray(const view_detail::Span& array);
   bool LoadContent();
+  bool HasHalfElement() const;
   view_detail::Scalar RequireScalar(Kind kind) const;
   view_detail::ArrayRun RequireArray(Kind kind) const;
-  void CopyVarints(const view_detail::ArrayRun& run, void* out, size_t width, bool is_signed,
-                   bool is_bool) const;
+  // Decodes a varint kind's elements into `out`, an array of the kind's type.
+  static void CopyVarints(const view_detail::ArrayRun& run, void* out);
   static std::vector<std::string_view> Elements(const view_detail::ArrayRun& run);
 
   view_detail::Span span_;     // the KVariant
@@ -429,16 +431,7 @@ ArrayView<T> ValueView::CopyArray(T* out, size_t capacity) const {
   if constexpr (view_detail::kFixedWidth<T>) {
     if (run.count != 0) std::memcpy(out, run.payload.data(), run.count * sizeof(T));
   } else {
-    using Stored = typename Tr::Stored;
-    if constexpr (Tr::storage == detail::Storage::kWidened) {
-      // Decoded whole first, so that a value out of range refuses before
-      // anything reaches `out`.
-      std::unique_ptr<Stored[]> wide(new Stored[run.count]);
-      CopyVarints(run, wide.get(), sizeof(Stored), std::is_signed_v<Stored>, false);
-      detail::CopyNarrowed(wide.get(), run.count, out, {});
-    } else {
-      CopyVarints(run, out, sizeof(T), std::is_signed_v<T>, std::is_same_v<T, bool>);
-    }
+    CopyVarints(run, out);
   }
   return ArrayView<T>(out, run.count, run.shape, run.order);
 }

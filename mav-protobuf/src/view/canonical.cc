@@ -20,13 +20,18 @@ void ThrowMalformed(std::string_view what) {
   throw DecodeError("malformed input: " + std::string(what));
 }
 
+// Keys are nearly always ASCII, checked a word at a time.
 bool IsUtf8(std::string_view text) {
-  for (char c : text) {
-    if (static_cast<uint8_t>(c) >= 0x80) {
-      return protobuf::internal::IsStructurallyValidUTF8(text.data(), static_cast<int>(text.size()));
-    }
+  uint64_t seen = 0;
+  size_t at = 0;
+  for (; at + 8 <= text.size(); at += 8) {
+    uint64_t word;
+    std::memcpy(&word, text.data() + at, 8);
+    seen |= word;
   }
-  return true;
+  for (; at < text.size(); ++at) seen |= static_cast<uint8_t>(text[at]);
+  if ((seen & 0x8080808080808080u) == 0) return true;
+  return protobuf::internal::IsStructurallyValidUTF8(text.data(), static_cast<int>(text.size()));
 }
 
 Span Nested(const Span& parent, std::string_view bytes) {

@@ -1,6 +1,7 @@
 // Nodes, maps and lists read in place.
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <functional>
 
 #include "../values/values_internal.h"
@@ -45,12 +46,13 @@ namespace view_internal {
 
 bool ReadEntry(const Span& map, std::string_view entry, std::string_view* key,
                std::string_view* value, bool* has_value) {
-  const Span span = Nested(map, entry);
+  if (map.depth + 1 > kMaxDepth) ThrowMalformed("messages nested deeper than " + std::to_string(kMaxDepth));
   *key = {};
   *has_value = false;
-  for (const char* at = span.begin; at < span.end;) {
+  const char* const end = entry.data() + entry.size();
+  for (const char* at = entry.data(); at < end;) {
     Field field;
-    at = ReadField(at, span.end, &field);
+    at = ReadField(at, end, &field);
     if (at == nullptr) return false;
     if (field.tag == Tag(1, kLength)) {
       *key = field.bytes;
@@ -232,7 +234,7 @@ class RepeatedKeys {
       keys_.push_back(key);
       return true;
     }
-    const uint64_t hash = std::hash<std::string_view>()(key);
+    const uint64_t hash = Hash(key);
     const uint32_t a = static_cast<uint32_t>(hash) % kBits;
     const uint32_t b = static_cast<uint32_t>(hash >> 32) % kBits;
     const bool maybe_seen = Test(a) && Test(b);
@@ -253,6 +255,15 @@ class RepeatedKeys {
 
  private:
   static constexpr uint32_t kBits = 8192;
+
+  // Keys are short: their first and last eight bytes and their length.
+  static uint64_t Hash(std::string_view key) {
+    uint64_t head = 0, tail = 0;
+    std::memcpy(&head, key.data(), std::min<size_t>(key.size(), 8));
+    if (key.size() > 8) std::memcpy(&tail, key.data() + key.size() - 8, 8);
+    uint64_t hash = (head ^ (tail * 0x9E3779B97F4A7C15u) ^ key.size()) * 0xBF58476D1CE4E5B9u;
+    return hash ^ (hash >> 29);
+  }
   static constexpr int kMaxSearches = 8;
 
   bool Test(uint32_t bit) const { return (bits_[bit / 64] >> (bit % 64)) & 1; }

@@ -297,6 +297,7 @@ bool ValueView::LoadContent() {
 namespace {
 
 Shape DecodeDimensions(std::string_view run) {
+  if (run.empty()) return Shape();
   uint32_t extents[Shape::kInlineRank];
   std::vector<uint32_t> spilled;
   size_t rank = 0;
@@ -322,19 +323,32 @@ Shape ValueView::shape() const {
   return DecodeDimensions(dimensions_);
 }
 
+namespace {
+
+// As ShapeMatches: `dimensions` are the stored ones (none: one axis of the
+// count), `half` whether a complex array's parts do not pair up.
+bool Matches(const Shape& dimensions, size_t count, bool half) {
+  if (half) return false;
+  if (dimensions.empty()) return count <= UINT32_MAX;
+  if (std::find(dimensions.begin(), dimensions.end(), 0u) != dimensions.end()) return count == 0;
+  uint64_t product = 1;
+  for (uint32_t extent : dimensions) {
+    if (__builtin_mul_overflow(product, uint64_t{extent}, &product)) return false;
+  }
+  return product == count;
+}
+
+}  // namespace
+
+bool ValueView::HasHalfElement() const {
+  if (!kind_ || !IsComplex(*kind_)) return false;
+  const size_t part = LayoutOf(*kind_) == Layout::kFixed32 ? 4 : 8;
+  return (payload_.size() / part) % 2 != 0;
+}
+
 bool ValueView::shape_matches() const {
   if (form_ != Form::kArray) return true;
-  if (kind_ && IsComplex(*kind_) && (payload_.size() / (LayoutOf(*kind_) == Layout::kFixed32 ? 4 : 8)) % 2 != 0) {
-    return false;
-  }
-  if (dimensions_.empty()) return count_ <= UINT32_MAX;
-  const Shape dimensions = DecodeDimensions(dimensions_);
-  if (std::find(dimensions.begin(), dimensions.end(), 0u) != dimensions.end()) return count_ == 0;
-  uint64_t count = 1;
-  for (uint32_t extent : dimensions) {
-    if (__builtin_mul_overflow(count, uint64_t{extent}, &count)) return false;
-  }
-  return count == count_;
+  return Matches(DecodeDimensions(dimensions_), count_, HasHalfElement());
 }
 
 Order ValueView::order() const {
@@ -355,9 +369,9 @@ view_detail::Scalar ValueView::RequireScalar(Kind kind) const {
 
 view_detail::ArrayRun ValueView::RequireArray(Kind kind) const {
   if (form_ != Form::kArray || kind_ != kind) detail::ThrowKindMismatch({}, kind, Form::kArray, kind_, form_);
-  if (!shape_matches()) detail::ThrowShapeMismatch({}, DecodeDimensions(dimensions_), count_, kind);
-  view_detail::ArrayRun run{kind, content_, payload_, count_, shape(), Order::kC};
-  run.order = order();
+  view_detail::ArrayRun run{kind, content_, payload_, count_, DecodeDimensions(dimensions_), order()};
+  if (!Matches(run.shape, count_, HasHalfElement())) detail::ThrowShapeMismatch({}, run.shape, count_, kind);
+  if (run.shape.empty()) run.shape = detail::OneAxis(count_);
   return run;
 }
 
@@ -369,33 +383,66 @@ std::string_view ValueView::ArrayBytes(Kind kind) const {
   return RequireArray(kind).payload;
 }
 
-void ValueView::CopyVarints(const view_detail::ArrayRun& run, void* out, size_t width,
-                            bool is_signed, bool is_bool) const {
-  const char* begin = run.payload.data();
-  const char* end = begin + run.payload.size();
+namespace {
+
+// Decodes the run into `out` through `from_wire`, which turns a varint into
+// the element as its field stores it; false when a varint is longer than ten
+// bytes.
+template <typename T, typename FromWire>
+bool DecodeElements(const view_detail::ArrayRun& run, T* out, FromWire from_wire) {
   const int count = static_cast<int>(run.count);
   int decoded = 0;
-  const char* after = nullptr;
-  // The field's own element type keeps the low bits of each varint.
-  if (is_bool) {
-    after = varint::DecodeRun(begin, end, count, static_cast<bool*>(out), &decoded,
-                              [](uint64_t raw) { return raw != 0; });
-  } else if (width == 4) {
-    if (is_signed) {
-      after = varint::DecodeRun(begin, end, count, static_cast<int32_t*>(out), &decoded,
-                                [](uint64_t raw) { return static_cast<int32_t>(raw); });
-    } else {
-      after = varint::DecodeRun(begin, end, count, static_cast<uint32_t*>(out), &decoded,
-                                [](uint64_t raw) { return static_cast<uint32_t>(raw); });
-    }
-  } else if (is_signed) {
-    after = varint::DecodeRun(begin, end, count, static_cast<int64_t*>(out), &decoded,
-                              [](uint64_t raw) { return static_cast<int64_t>(raw); });
-  } else {
-    after = varint::DecodeRun(begin, end, count, static_cast<uint64_t*>(out), &decoded,
-                              [](uint64_t raw) { return raw; });
+  const char* after = varint::DecodeRun(run.payload.data(), run.payload.data() + run.payload.size(), count,
+                                        out, &decoded, from_wire);
+  return after != nullptr && decoded == count;
+}
+
+// The 16-bit kinds travel as 32-bit fields: each element is range-checked as
+// it is decoded, and only a refusal decodes again, to name the element.
+template <typename Narrow, typename Stored>
+bool DecodeNarrow(const view_detail::ArrayRun& run, Narrow* out) {
+  bool fits = true;
+  if (!DecodeElements(run, out, [&fits](uint64_t raw) {
+        const Stored stored = static_cast<Stored>(raw);
+        fits &= detail::InRange<Narrow>(stored);
+        return static_cast<Narrow>(stored);
+      })) {
+    return false;
   }
-  if (after == nullptr || decoded != count) ThrowMalformed("a varint longer than ten bytes in an array");
+  if (!fits) {
+    std::vector<Stored> wide(run.count);
+    DecodeElements(run, wide.data(), [](uint64_t raw) { return static_cast<Stored>(raw); });
+    detail::CopyNarrowed(wide.data(), wide.size(), out, {});
+  }
+  return true;
+}
+
+template <typename T>
+bool DecodeAs(const view_detail::ArrayRun& run, void* out) {
+  return DecodeElements(run, static_cast<T*>(out), [](uint64_t raw) {
+    if constexpr (std::is_same_v<T, bool>) {
+      return raw != 0;
+    } else {
+      return static_cast<T>(raw);
+    }
+  });
+}
+
+}  // namespace
+
+void ValueView::CopyVarints(const view_detail::ArrayRun& run, void* out) {
+  bool decoded = false;
+  switch (run.kind) {
+    case Kind::kInt16: decoded = DecodeNarrow<int16_t, int32_t>(run, static_cast<int16_t*>(out)); break;
+    case Kind::kUInt16: decoded = DecodeNarrow<uint16_t, uint32_t>(run, static_cast<uint16_t*>(out)); break;
+    case Kind::kInt32: decoded = DecodeAs<int32_t>(run, out); break;
+    case Kind::kUInt32: decoded = DecodeAs<uint32_t>(run, out); break;
+    case Kind::kInt64: decoded = DecodeAs<int64_t>(run, out); break;
+    case Kind::kUInt64: decoded = DecodeAs<uint64_t>(run, out); break;
+    case Kind::kBool: decoded = DecodeAs<bool>(run, out); break;
+    default: break;
+  }
+  if (!decoded) ThrowMalformed("a varint longer than ten bytes in an array");
 }
 
 std::vector<std::string_view> ValueView::Elements(const view_detail::ArrayRun& run) {
