@@ -391,6 +391,7 @@ namespace {
 template <typename T, typename FromWire>
 bool DecodeElements(const view_detail::ArrayRun& run, T* out, FromWire from_wire) {
   const int count = static_cast<int>(run.count);
+  if (count == 0) return true;  // an absent run has no bytes to point at
   int decoded = 0;
   const char* after = varint::DecodeRun(run.payload.data(), run.payload.data() + run.payload.size(), count,
                                         out, &decoded, from_wire);
