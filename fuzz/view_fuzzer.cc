@@ -3,7 +3,9 @@
 // succeeds every node the view reaches, by walking and by path, must match
 // the parsed tree in type, keys, items, kind, shape, order, wellknowntype and
 // value (or refuse a read with the same message). On refused input the view's
-// walk may succeed or throw DecodeError, but nothing else.
+// walk may succeed or throw DecodeError, but nothing else. The input's first
+// byte picks the type as for the other fuzzers: KVariant is read as a value,
+// every other type's bytes as a tree.
 
 #include <cstdio>
 #include <cstdlib>
@@ -12,6 +14,7 @@
 
 #include "MavValues.h"
 #include "MavView.h"
+#include "fuzz_support.h"
 
 namespace {
 
@@ -171,30 +174,66 @@ void Touch(const NodeView& node) {
   }
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-  PropertyNode parsed;
-  const bool parses = parsed.ParseFromArray(data, static_cast<int>(size));
-  bool validates = true;
+template <typename View>
+bool Validates(const View& view) {
   try {
-    NodeView(bytes).Validate();
+    view.Validate();
+    return true;
   } catch (const DecodeError&) {
-    validates = false;
+    return false;
   }
-  if (parses != validates) {
+}
+
+void CheckValue(std::string_view bytes) {
+  KVariant parsed;
+  const bool parses = parsed.ParseFromArray(bytes.data(), static_cast<int>(bytes.size()));
+  std::optional<ValueView> view;
+  try {
+    view.emplace(bytes);
+  } catch (const DecodeError&) {
+  }
+  if (parses != (view && Validates(*view))) {
+    Finding(parses ? "a value the parse reads is refused" : "a value the parse refuses is accepted", "");
+  }
+  if (parses) CompareValue(parsed, *view, "");
+}
+
+void CheckTree(std::string_view bytes) {
+  PropertyNode parsed;
+  const bool parses = parsed.ParseFromArray(bytes.data(), static_cast<int>(bytes.size()));
+  std::optional<NodeView> root;
+  try {
+    root.emplace(bytes);
+  } catch (const DecodeError&) {
+  }
+  if (parses != (root && Validates(*root))) {
     Finding(parses ? "Validate refuses what the parse reads" : "Validate accepts what the parse refuses", "");
   }
   if (!parses) {
     try {
-      Touch(NodeView(bytes));
+      if (root) Touch(*root);
     } catch (const DecodeError&) {
     }
-    return 0;
+    return;
   }
-  const NodeView root(bytes);
-  CompareNode(parsed, root, "");
-  CompareLeaves(parsed, root);
+  CompareNode(parsed, *root, "");
+  CompareLeaves(parsed, *root);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  mav_fuzz::pb::SetLogHandler(nullptr);  // the UTF-8 check logs every bad key
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  mav_fuzz::Input input;
+  if (!mav_fuzz::Split(data, size, &input)) return 0;
+  if (input.type == KVariant::descriptor()) {
+    CheckValue(input.bytes);
+  } else {
+    CheckTree(input.bytes);
+  }
   return 0;
 }

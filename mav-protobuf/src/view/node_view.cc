@@ -448,13 +448,15 @@ std::optional<NodeView> ListView::Find(size_t index) const {
 
 namespace {
 
-void VisitUnder(const NodeView& node, std::string& path,
+// Steps are joined by '/' below the root, so that a child of an empty key
+// directly under the root ("/x") keeps its path.
+void VisitUnder(const NodeView& node, bool is_root, std::string& path,
                 const std::function<void(std::string_view, const NodeView&, const ValueView&)>& visit) {
   const size_t length = path.size();
   auto descend = [&](std::string_view step, const NodeView& child) {
-    if (length != 0) path += '/';
+    if (!is_root) path += '/';
     path += step;
-    VisitUnder(child, path, visit);
+    VisitUnder(child, false, path, visit);
     path.resize(length);
   };
   switch (node.type()) {
@@ -478,7 +480,7 @@ void VisitUnder(const NodeView& node, std::string& path,
 void VisitLeaves(const NodeView& root,
                  const std::function<void(std::string_view, const NodeView&, const ValueView&)>& visit) {
   std::string path;
-  VisitUnder(root, path, visit);
+  VisitUnder(root, true, path, visit);
 }
 
 }  // namespace MavProtobuf

@@ -369,9 +369,10 @@ view_detail::Scalar ValueView::RequireScalar(Kind kind) const {
 
 view_detail::ArrayRun ValueView::RequireArray(Kind kind) const {
   if (form_ != Form::kArray || kind_ != kind) detail::ThrowKindMismatch({}, kind, Form::kArray, kind_, form_);
-  view_detail::ArrayRun run{kind, content_, payload_, count_, DecodeDimensions(dimensions_), order()};
+  view_detail::ArrayRun run{kind, content_, payload_, count_, DecodeDimensions(dimensions_), Order::kC};
   if (!Matches(run.shape, count_, HasHalfElement())) detail::ThrowShapeMismatch({}, run.shape, count_, kind);
   if (run.shape.empty()) run.shape = detail::OneAxis(count_);
+  run.order = order();
   return run;
 }
 
