@@ -261,8 +261,11 @@ class RepeatedKeys {
     uint64_t head = 0, tail = 0;
     std::memcpy(&head, key.data(), std::min<size_t>(key.size(), 8));
     if (key.size() > 8) std::memcpy(&tail, key.data() + key.size() - 8, 8);
-    uint64_t hash = (head ^ (tail * 0x9E3779B97F4A7C15u) ^ key.size()) * 0xBF58476D1CE4E5B9u;
-    return hash ^ (hash >> 29);
+    // Mixed so that every input bit reaches the low bits the filter uses.
+    uint64_t hash = head ^ (tail * 0x9E3779B97F4A7C15u) ^ key.size();
+    hash = (hash ^ (hash >> 30)) * 0xBF58476D1CE4E5B9u;
+    hash = (hash ^ (hash >> 27)) * 0x94D049BB133111EBu;
+    return hash ^ (hash >> 31);
   }
   static constexpr int kMaxSearches = 8;
 

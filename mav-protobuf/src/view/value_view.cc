@@ -1,6 +1,7 @@
 // Values read in place.
 #include <algorithm>
 #include <climits>
+#include <limits>
 
 #include "../values/values_internal.h"
 #include "../varint.h"
@@ -399,24 +400,43 @@ bool DecodeElements(const view_detail::ArrayRun& run, T* out, FromWire from_wire
   return after != nullptr && decoded == count;
 }
 
-// The 16-bit kinds travel as 32-bit fields: each element is range-checked as
-// it is decoded, and only a refusal decodes again, to name the element.
+// The 16-bit kinds travel as 32-bit fields, which the run decoder writes a
+// vector at a time: a block at a time into 32 bits, then range-checked and
+// narrowed into `out`. Only a refusal decodes again, to name the element.
 template <typename Narrow, typename Stored>
 bool DecodeNarrow(const view_detail::ArrayRun& run, Narrow* out) {
-  bool fits = true;
-  if (!DecodeElements(run, out, [&fits](uint64_t raw) {
-        const Stored stored = static_cast<Stored>(raw);
-        fits &= detail::InRange<Narrow>(stored);
-        return static_cast<Narrow>(stored);
-      })) {
-    return false;
+  // A block ends on a varint's last byte, so it holds at most kBlock whole
+  // varints and the decoder may read it to its end.
+  constexpr size_t kBlock = 8192;
+  Stored wide[kBlock];
+  const char* at = run.payload.data();
+  const char* const end = at + run.payload.size();
+  size_t done = 0;
+  // Both 16-bit ranges are 65536 wide: an element fits when its offset from
+  // the lowest value has no bit above the sixteenth, which one OR collects.
+  constexpr Stored kLowest = std::numeric_limits<Narrow>::min();
+  uint32_t offsets = 0;
+  while (at < end) {
+    const char* stop = end - at > static_cast<ptrdiff_t>(kBlock) ? at + kBlock : end;
+    while (stop > at && static_cast<uint8_t>(stop[-1]) >= 0x80) --stop;
+    const int count = stop == at ? 0 : varint::CountEnds(at, stop);
+    if (count == 0 || done + static_cast<size_t>(count) > run.count) return false;
+    int decoded = 0;
+    at = varint::DecodeRun(at, stop, count, wide, &decoded, [](uint64_t raw) { return static_cast<Stored>(raw); });
+    if (at == nullptr || decoded != count) return false;
+    Narrow* const block = out + done;
+    for (int i = 0; i < count; ++i) {
+      offsets |= static_cast<uint32_t>(wide[i]) - static_cast<uint32_t>(kLowest);
+      block[i] = static_cast<Narrow>(wide[i]);
+    }
+    done += static_cast<size_t>(count);
   }
-  if (!fits) {
-    std::vector<Stored> wide(run.count);
-    DecodeElements(run, wide.data(), [](uint64_t raw) { return static_cast<Stored>(raw); });
-    detail::CopyNarrowed(wide.data(), wide.size(), out, {});
+  if ((offsets >> 16) != 0) {
+    std::vector<Stored> all(run.count);
+    DecodeElements(run, all.data(), [](uint64_t raw) { return static_cast<Stored>(raw); });
+    detail::CopyNarrowed(all.data(), all.size(), out, {});
   }
-  return true;
+  return done == run.count;
 }
 
 template <typename T>
