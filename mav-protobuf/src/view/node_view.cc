@@ -259,7 +259,7 @@ class RepeatedKeys {
   // Keys are short: their first and last eight bytes and their length.
   static uint64_t Hash(std::string_view key) {
     uint64_t head = 0, tail = 0;
-    std::memcpy(&head, key.data(), std::min<size_t>(key.size(), 8));
+    if (!key.empty()) std::memcpy(&head, key.data(), std::min<size_t>(key.size(), 8));
     if (key.size() > 8) std::memcpy(&tail, key.data() + key.size() - 8, 8);
     // Mixed so that every input bit reaches the low bits the filter uses.
     uint64_t hash = head ^ (tail * 0x9E3779B97F4A7C15u) ^ key.size();
