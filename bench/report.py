@@ -88,6 +88,21 @@ def main(folder):
     print("|---|---|---|")
     for (workload, implementation), (peak, retained) in sorted(heap.items()):
         print("| %s %s | %s | %s |" % (workload, implementation, mib(peak), mib(retained)))
+    views = {name: statistics.median(ns for ns, _ in runs) for name, runs in others.items()
+             if name.startswith("view/")}
+    if views:
+        print()
+        print("| workload | reading in place | time | fresh parse | time / parse | parse / time |")
+        print("|---|---|---|---|---|---|")
+        for name in sorted(views):
+            _, workload, op = name.split("/")
+            parse = views.get("view/%s/parse_fresh" % workload)
+            if op == "parse_fresh" or parse is None:
+                continue
+            ns = views[name]
+            print("| %s | %s | %.3f us | %.1f us | %.4fx | %.0fx |" % (
+                workload, op, ns / 1e3, parse / 1e3, ns / parse, parse / ns))
+    others = {name: runs for name, runs in others.items() if not name.startswith("view/")}
     if others:
         print()
         print("| benchmark | median CPU time | counters (median) |")

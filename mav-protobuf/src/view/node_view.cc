@@ -15,6 +15,7 @@ using view_internal::Field;
 using view_internal::kLength;
 using view_internal::Nested;
 using view_internal::ReadField;
+using view_internal::ReadShortField;
 using view_internal::Span;
 using view_internal::Tag;
 
@@ -50,7 +51,23 @@ bool ReadEntry(const Span& map, std::string_view entry, std::string_view* key,
   *key = {};
   *has_value = false;
   const char* const end = entry.data() + entry.size();
-  for (const char* at = entry.data(); at < end;) {
+  // The usual entry: a short key, then the value to the end.
+  const char* at = entry.data();
+  if (end - at >= 2 && at[0] == Tag(1, kLength) && static_cast<uint8_t>(at[1]) < 0x80 &&
+      end - at - 2 >= at[1]) {
+    const std::string_view short_key(at + 2, static_cast<size_t>(at[1]));
+    uint32_t tag;
+    std::string_view short_value;
+    const char* rest = short_key.data() + short_key.size();
+    if (rest == end || (ReadShortField(rest, end, &tag, &short_value) && tag == Tag(2, kLength))) {
+      *key = short_key;
+      *value = short_value;
+      *has_value = rest != end;
+      if (!IsUtf8(*key)) ThrowMalformed("a map key is not valid UTF-8");
+      return true;
+    }
+  }
+  for (; at < end;) {
     Field field;
     at = ReadField(at, end, &field);
     if (at == nullptr) return false;
@@ -82,6 +99,13 @@ NodeView::NodeView(std::string_view bytes, int depth, std::shared_ptr<const std:
 void NodeView::Load(Span node) {
   if (node.depth > view_internal::kMaxDepth) {
     view_internal::ThrowMalformed("messages nested deeper than " + std::to_string(view_internal::kMaxDepth));
+  }
+  uint32_t short_tag;
+  std::string_view short_member;
+  if (ReadShortField(node.begin, node.end, &short_tag, &short_member) && short_tag <= Tag(3, kLength)) {
+    type_ = static_cast<NodeType>(short_tag >> 3);
+    member_ = Nested(node, short_member);
+    return;
   }
   for (int attempt = 0; attempt < 2; ++attempt) {
     std::string_view member;

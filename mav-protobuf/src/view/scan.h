@@ -96,6 +96,19 @@ inline const char* ReadField(const char* p, const char* end, Field* field) {
   }
 }
 
+// The usual short message: one length-delimited field with a one-byte tag and
+// a one-byte length that ends exactly at `end`. Its tag and payload, or false
+// for anything else (which the full field loop then reads).
+inline bool ReadShortField(const char* p, const char* end, uint32_t* tag, std::string_view* payload) {
+  if (end - p < 2) return false;
+  const auto first = static_cast<uint8_t>(p[0]);
+  const auto size = static_cast<uint8_t>(p[1]);
+  if (first >= 0x80 || (first & 7) != kLength || first < 8 || size >= 0x80 || end - p - 2 != size) return false;
+  *tag = first;
+  *payload = std::string_view(p + 2, size);
+  return true;
+}
+
 // A nested message's span, refused past the parse's depth.
 Span Nested(const Span& parent, std::string_view bytes);
 

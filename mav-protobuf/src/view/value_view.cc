@@ -147,6 +147,12 @@ bool ValueView::LoadPlain() {
   scalar_ = view_detail::Scalar();
   count_ = 0;
   std::string_view member;
+  uint32_t short_tag;
+  if (view_internal::ReadShortField(span_.begin, span_.end, &short_tag, &member) &&
+      (short_tag == Tag(1, kLength) || short_tag == Tag(2, kLength))) {
+    form_ = short_tag == Tag(1, kLength) ? Form::kScalar : Form::kArray;
+    return form_ == Form::kScalar ? LoadScalar(Nested(span_, member)) : LoadArray(Nested(span_, member));
+  }
   int members = 0;
   for (const char* at = span_.begin; at < span_.end;) {
     Field field;
