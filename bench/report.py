@@ -65,33 +65,35 @@ def main(folder):
     times, items, others = load_times(folder)
     heap = load_heap(folder)
     workloads = sorted({key[0] for key in times}, key=lambda w: (not w.startswith("W"), w))
-    print("| workload | op | ours ns/item | memcpy time / ours | speed-up over DynamicMessage | speed-up over Struct | peak heap (ours / dynamic / struct) |")
-    print("|---|---|---|---|---|---|---|")
-    for workload in workloads:
-        memcpy = times.get((workload, "memcpy", "copy"))
-        if memcpy is not None:
-            print("| %s | memcpy of the wire bytes (%d items) | %.2f | 1.00x | | | |" % (workload, items[workload], memcpy / items[workload]))
-        for op in OPERATIONS:
-            ours = times.get((workload, "ours", op))
-            if ours is None:
-                continue
-            row = [workload, op, "%.2f" % (ours / items[workload])]
-            row.append("%.2fx" % (memcpy / ours) if memcpy else "")
-            for other in ("dynamic", "struct"):
-                theirs = times.get((workload, other, op))
-                row.append("%.2fx" % (theirs / ours) if theirs else "")
-            peaks = [heap.get((workload, impl)) for impl in ("ours", "dynamic", "struct")] if op == "parse_fresh" else []
-            row.append(" / ".join(mib(p[0]) for p in peaks if p) if peaks else "")
-            print("| " + " | ".join(row) + " |")
-    print()
-    print("| parse | peak heap | kept after the parse |")
-    print("|---|---|---|")
-    for (workload, implementation), (peak, retained) in sorted(heap.items()):
-        print("| %s %s | %s | %s |" % (workload, implementation, mib(peak), mib(retained)))
+    if workloads:
+        print("| workload | op | ours ns/item | memcpy time / ours | speed-up over DynamicMessage | speed-up over Struct | peak heap (ours / dynamic / struct) |")
+        print("|---|---|---|---|---|---|---|")
+        for workload in workloads:
+            memcpy = times.get((workload, "memcpy", "copy"))
+            if memcpy is not None:
+                print("| %s | memcpy of the wire bytes (%d items) | %.2f | 1.00x | | | |" % (workload, items[workload], memcpy / items[workload]))
+            for op in OPERATIONS:
+                ours = times.get((workload, "ours", op))
+                if ours is None:
+                    continue
+                row = [workload, op, "%.2f" % (ours / items[workload])]
+                row.append("%.2fx" % (memcpy / ours) if memcpy else "")
+                for other in ("dynamic", "struct"):
+                    theirs = times.get((workload, other, op))
+                    row.append("%.2fx" % (theirs / ours) if theirs else "")
+                peaks = [heap.get((workload, impl)) for impl in ("ours", "dynamic", "struct")] if op == "parse_fresh" else []
+                row.append(" / ".join(mib(p[0]) for p in peaks if p) if peaks else "")
+                print("| " + " | ".join(row) + " |")
+        print()
+    if heap:
+        print("| parse | peak heap | kept after the parse |")
+        print("|---|---|---|")
+        for (workload, implementation), (peak, retained) in sorted(heap.items()):
+            print("| %s %s | %s | %s |" % (workload, implementation, mib(peak), mib(retained)))
+        print()
     views = {name: statistics.median(ns for ns, _ in runs) for name, runs in others.items()
              if name.startswith("view/")}
     if views:
-        print()
         print("| workload | reading in place | time | fresh parse | time / parse | parse / time |")
         print("|---|---|---|---|---|---|")
         for name in sorted(views):
@@ -100,8 +102,10 @@ def main(folder):
             if op == "parse_fresh" or parse is None:
                 continue
             ns = views[name]
-            print("| %s | %s | %.3f us | %.1f us | %.4fx | %.0fx |" % (
-                workload, op, ns / 1e3, parse / 1e3, ns / parse, parse / ns))
+            speed_up = parse / ns
+            print("| %s | %s | %.3f us | %.1f us | %.4fx | %s |" % (
+                workload, op, ns / 1e3, parse / 1e3, ns / parse,
+                ("%.0fx" if speed_up >= 10 else "%.2fx") % speed_up))
     others = {name: runs for name, runs in others.items() if not name.startswith("view/")}
     if others:
         print()
